@@ -1,0 +1,23 @@
+# Cross-compiles for Windows x64 with mingw-w64 (posix threads); programs of the build run under Wine.
+# On Windows itself (MSYS2, MINGW64 shell) the same preset finds the same compiler under its plain name.
+set(CMAKE_SYSTEM_NAME Windows)
+set(CMAKE_SYSTEM_PROCESSOR x86_64)
+if(CMAKE_HOST_WIN32)
+  set(CMAKE_C_COMPILER gcc)
+  set(CMAKE_CXX_COMPILER g++)
+  set(CMAKE_RC_COMPILER windres)
+else()
+  set(CMAKE_C_COMPILER x86_64-w64-mingw32-gcc-posix)
+  set(CMAKE_CXX_COMPILER x86_64-w64-mingw32-g++-posix)
+  set(CMAKE_RC_COMPILER x86_64-w64-mingw32-windres)
+  set(CMAKE_FIND_ROOT_PATH /usr/x86_64-w64-mingw32)
+  set(CMAKE_FIND_ROOT_PATH_MODE_PROGRAM NEVER)
+  set(CMAKE_FIND_ROOT_PATH_MODE_LIBRARY ONLY)
+  set(CMAKE_FIND_ROOT_PATH_MODE_INCLUDE ONLY)
+  set(CMAKE_FIND_ROOT_PATH_MODE_PACKAGE ONLY)
+  set(CMAKE_CROSSCOMPILING_EMULATOR /usr/bin/wine)
+endif()
+# Everything is linked in, so that nothing but system libraries is needed beside the product.
+foreach(kind EXE SHARED MODULE)
+  set(CMAKE_${kind}_LINKER_FLAGS_INIT "-static -Wl,--no-insert-timestamp")
+endforeach()

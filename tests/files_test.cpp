@@ -1,0 +1,166 @@
+// The real disk of this system keeps the promises of platform/Files.h, on which the book relies.
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <filesystem>
+#include <fstream>
+#include <random>
+
+#include "platform/Files.h"
+#include "support/FakeClock.h"
+#include "support/Log.h"
+#ifdef _WIN32
+#include "platform/win32/UniqueHandle.h"
+#endif
+
+using namespace Dravel;
+namespace fs = std::filesystem;
+
+namespace {
+
+struct Disk : ::testing::Test {
+    Disk() : root(fs::temp_directory_path() / ("dravel-files-" + std::to_string(std::random_device()()))) {
+        EXPECT_TRUE(files.MakeFolders(root / "a" / "b"));
+    }
+    ~Disk() override { fs::remove_all(root); }
+
+    bool Put(const char* name, std::string_view text, FileMode mode = FileMode::Create) {
+        std::unique_ptr<IFile> file;
+        return files.Open(root / name, mode, FileShare::DenyAll, file) &&
+               file->Write(text.data(), text.size()) && file->Flush() && file->Close();
+    }
+    std::string Get(const fs::path& name) {
+        std::unique_ptr<IFile> file;
+        std::string text(1000, '?');
+        std::size_t got = 0;
+        if (!files.Open(root / name, FileMode::Read, FileShare::DenyNone, file)) return "(none)";
+        EXPECT_TRUE(file->Read(text.data(), text.size(), got));
+        return text.substr(0, got);
+    }
+    FileFault Opening(const char* name, FileMode mode, FileShare share) {
+        std::unique_ptr<IFile> file;
+        return files.Open(root / name, mode, share, file).fault;
+    }
+
+    IFiles& files = SystemFiles();
+    fs::path root;
+};
+
+}  // namespace
+
+TEST_F(Disk, ModesOfOpening) {
+    EXPECT_EQ(Opening("x", FileMode::Read, FileShare::DenyNone), FileFault::NotFound);
+    EXPECT_EQ(Opening("x", FileMode::ReadWrite, FileShare::DenyNone), FileFault::NotFound);
+    EXPECT_EQ(Opening("no/x", FileMode::Create, FileShare::DenyNone), FileFault::PathNotFound);
+    ASSERT_TRUE(Put("x", "hello"));
+    ASSERT_TRUE(Put("x", "HE", FileMode::ReadWrite));
+    ASSERT_TRUE(Put("x", " you", FileMode::Append));
+    EXPECT_EQ(Get("x"), "HEllo you");
+    FileInfo info;
+    ASSERT_TRUE(files.Info(root / "x", info));
+    EXPECT_EQ(info.size, 9u);
+    EXPECT_NEAR(static_cast<double>(info.modified), static_cast<double>(SystemClock().Now()), 5);
+    ASSERT_TRUE(Put("x", ""));
+    EXPECT_EQ(Get("x"), "");
+
+    std::vector<fs::path> names;
+    ASSERT_TRUE(Put("y", ""));
+    ASSERT_TRUE(files.List(root, names));
+    std::sort(names.begin(), names.end());
+    EXPECT_EQ(names, (std::vector<fs::path>{"x", "y"})) << "plain files, not folders";
+    EXPECT_TRUE(files.List(root / "no", names));
+    EXPECT_TRUE(names.empty());
+}
+
+TEST_F(Disk, NamesMoveLinkAndReplace) {
+    ASSERT_TRUE(Put("old", "old") && Put("new", "new"));
+    EXPECT_EQ(files.Rename(root / "new", root / "old").fault, FileFault::Exists);
+    EXPECT_EQ(files.Rename(root / "new", root / "no" / "new").fault, FileFault::PathNotFound);
+    EXPECT_EQ(files.Rename(root / "none", root / "other").fault, FileFault::NotFound);
+    ASSERT_TRUE(files.Link(root / "old", root / "a" / "kept"));
+    EXPECT_EQ(files.Link(root / "old", root / "a" / "kept").fault, FileFault::Exists);
+    ASSERT_TRUE(files.Replace(root / "new", root / "old"));
+    EXPECT_EQ(Get("old") + Get("a/kept") + Get("new"), "newold(none)");
+    ASSERT_TRUE(files.Rename(root / "old", root / "a" / "b" / "moved"));
+    EXPECT_EQ(Get("a/b/moved") + Get("old"), "new(none)");
+    ASSERT_TRUE(files.Remove(root / "a" / "b" / "moved"));
+    EXPECT_EQ(files.Remove(root / "a" / "b" / "moved").fault, FileFault::NotFound);
+    EXPECT_TRUE(files.MakeFolders(root / "a")) << "is there already";
+    ASSERT_TRUE(Put("plain", ""));
+    EXPECT_FALSE(files.MakeFolders(root / "plain"));
+}
+
+TEST_F(Disk, DenyWriteLetsReadersInOnly) {
+    ASSERT_TRUE(Put("x", "hello"));
+    std::unique_ptr<IFile> file;
+    ASSERT_TRUE(files.Open(root / "x", FileMode::ReadWrite, FileShare::DenyWrite, file));
+    EXPECT_EQ(Get("x"), "hello");
+    for (const FileMode mode : {FileMode::ReadWrite, FileMode::Create, FileMode::Append}) {
+        EXPECT_EQ(Opening("x", mode, FileShare::DenyNone), FileFault::InUse);
+    }
+    EXPECT_EQ(Get("x"), "hello") << "refused before anything was emptied";
+    EXPECT_TRUE(file->Close());
+    EXPECT_EQ(Opening("x", FileMode::ReadWrite, FileShare::DenyNone), FileFault::None);
+}
+
+TEST_F(Disk, ALockHasOneOwnerAndLeavesNothing) {
+    std::unique_ptr<IFile> owner, second;
+    ASSERT_TRUE(files.OpenLock(root / "lock", owner));
+    EXPECT_EQ(files.OpenLock(root / "lock", second).fault, FileFault::InUse);
+    EXPECT_EQ(second, nullptr);
+    owner.reset();
+    EXPECT_FALSE(fs::exists(root / "lock"));
+    ASSERT_TRUE(Put("lock", "left by a killed owner"));
+    EXPECT_TRUE(files.OpenLock(root / "lock", second));
+}
+
+#ifdef _WIN32
+TEST(UniqueHandle, GivesBackEachHandleOnce) {
+    static std::string closed;
+    struct Traits {
+        using type = char;
+        static type none() { return 0; }
+        static bool close(type handle) { return closed += handle, handle != 'b'; }
+    };
+    using Handle = unique_handle<Traits>;
+    {
+        Handle a('a'), b('b'), c('c');
+        a = std::move(b);
+        EXPECT_EQ(closed, "a") << "what it held is given back before it takes another";
+        EXPECT_FALSE(b);
+        Handle& self = c;
+        c = std::move(self);
+        EXPECT_EQ(c.get(), 'c');
+        EXPECT_FALSE(a.reset('d')) << "the system's refusal is told";
+        EXPECT_EQ(c.release(), 'c');
+        const Handle moved(std::move(a));
+        EXPECT_EQ(moved.get(), 'd');
+    }
+    EXPECT_EQ(closed, "abd");
+}
+
+TEST_F(Disk, WhatIsHeldOpenIsNotReplaced) {
+    ASSERT_TRUE(Put("old", "old") && Put("new", "new"));
+    std::unique_ptr<IFile> file;
+    ASSERT_TRUE(files.Open(root / "old", FileMode::Read, FileShare::DenyNone, file));
+    EXPECT_EQ(files.Replace(root / "new", root / "old").fault, FileFault::InUse);
+    EXPECT_EQ(Get("old") + Get("new"), "oldnew");
+    file.reset();
+    EXPECT_TRUE(files.Replace(root / "new", root / "old"));
+}
+#endif
+
+TEST_F(Disk, LogLinesOfADay) {
+    ::Dravel::Test::FakeClock clock;
+    CFileLog log(files, clock, root / "Log");
+    log.Line(LogLevel::Warning, "Here", "two\r\nlines");
+    clock.now += 86400;
+    log.Line(LogLevel::Error, "There", std::string(100000, 'x'));
+    EXPECT_EQ(Get(fs::path("Log") / "Dravel_20210303.log"),
+              "20210303-09:05:00.007 WARNING Here: two  lines\r\n");
+    EXPECT_EQ(fs::file_size(root / "Log" / "Dravel_20210304.log"), 4096 + 37u);
+    CFileLog nowhere(files, clock, root / "Log" / "Dravel_20210303.log");
+    for (int i = 0; i < 10000; ++i) {
+        nowhere.Line(LogLevel::Info, "", "given up quietly");
+    }
+}
