@@ -1,0 +1,52 @@
+// Comma-separated text files: their lines and the cells of a line.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <string_view>
+#include <vector>
+
+#include "platform/Files.h"
+
+namespace Dravel {
+
+// Without the blanks and tabs at both ends.
+std::string_view Trimmed(std::string_view text);
+
+// Without a UTF-8 byte-order mark at the front. Bytes are otherwise never recoded.
+std::string_view WithoutByteOrderMark(std::string_view text);
+
+// The cells of `line`, cut at every comma; there is no quoting, and an empty cell is an empty text. An empty
+// line has no cells. At most `limit` cells are cut; the rest of the line is then left out. The cells point
+// into `line`; the vector is used again without a new allocation.
+void SplitCells(std::string_view line, std::vector<std::string_view>& cells, std::size_t limit = SIZE_MAX);
+
+// Reads the lines of a file in large blocks. Lines may have any length and hold any byte.
+class CsvLines {
+ public:
+    // Borrows the file, which is read from where it stands.
+    explicit CsvLines(IFile& file, std::size_t blockSize = 256 * 1024);
+
+    // The next line without its end (LF, or CR LF; a CR at the very end of the file counts as a cut line
+    // end). A byte-order mark in front of the first line is stepped over. Valid until the next call. False:
+    // none is left, or the file could not be read on (see Failed).
+    bool Next(std::string_view& line);
+    bool Failed() const { return failed_; }
+    // Bytes that the lines so far took up.
+    std::uint64_t Position() const { return position_; }
+
+ private:
+    bool Fill();
+    void Take(std::size_t end, std::size_t next, std::string_view& line);
+
+    IFile& file_;
+    std::vector<char> block_;
+    std::size_t first_ = 0;    // start of the line that is being read
+    std::size_t scanned_ = 0;  // no line end in front of it
+    std::size_t last_ = 0;     // end of the bytes read
+    std::uint64_t position_ = 0;
+    bool atEnd_ = false;
+    bool failed_ = false;
+};
+
+}  // namespace Dravel

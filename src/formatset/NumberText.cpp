@@ -1,0 +1,88 @@
+// Numbers to text and back, over std::to_chars and std::from_chars, which know no locale.
+#include "formatset/NumberText.h"
+
+#include <charconv>
+#include <cmath>
+
+namespace Dravel {
+namespace {
+
+constexpr bool IsDigit(char c) {
+    return c >= '0' && c <= '9';
+}
+
+std::string_view SkipBlanks(std::string_view text) {
+    std::size_t first = 0;
+    while (first < text.size() && (text[first] == ' ' || (text[first] >= '\t' && text[first] <= '\r')))
+        ++first;
+    return text.substr(first);
+}
+
+// Takes one sign off the front; true: it was a minus.
+bool TakeSign(std::string_view& text) {
+    if (text.empty() || (text.front() != '-' && text.front() != '+')) return false;
+    const bool minus = text.front() == '-';
+    text.remove_prefix(1);
+    return minus;
+}
+
+// Digits only: from_chars would take a second sign.
+bool ReadDigits(std::string_view text, std::uint64_t& value) {
+    if (text.empty() || !IsDigit(text.front())) return false;
+    return std::from_chars(text.data(), text.data() + text.size(), value).ec == std::errc();
+}
+
+template <class... Arguments>
+std::string_view ToText(NumberBuffer& buffer, Arguments... arguments) {
+    const auto end = std::to_chars(buffer.text, buffer.text + sizeof(buffer.text), arguments...);
+    return {buffer.text, static_cast<std::size_t>(end.ptr - buffer.text)};
+}
+
+}  // namespace
+
+std::uint32_t ReadUnsigned(std::string_view text) {
+    text = SkipBlanks(text);
+    const bool minus = TakeSign(text);
+    std::uint64_t value = 0;
+    if (!ReadDigits(text, value) || minus || value > UINT32_MAX) return 0;
+    return static_cast<std::uint32_t>(value);
+}
+
+std::int32_t ReadInteger(std::string_view text) {
+    text = SkipBlanks(text);
+    const bool minus = TakeSign(text);
+    std::uint64_t value = 0;
+    if (!ReadDigits(text, value) || value > std::uint64_t{INT32_MAX} + (minus ? 1 : 0)) return 0;
+    const auto magnitude = static_cast<std::int64_t>(value);
+    return static_cast<std::int32_t>(minus ? -magnitude : magnitude);
+}
+
+double ReadDouble(std::string_view text) {
+    text = SkipBlanks(text);
+    const bool minus = TakeSign(text);
+    // from_chars would take "inf" and "nan".
+    if (text.empty() || (!IsDigit(text.front()) && text.front() != '.')) return 0;
+    double value = 0;
+    if (std::from_chars(text.data(), text.data() + text.size(), value).ec != std::errc()) return 0;
+    return minus ? -value : value;
+}
+
+std::string_view ShortestText(double value, NumberBuffer& buffer) {
+    const double size = std::fabs(value);
+    if (size == 0 || (size >= 1e-7 && size < 1e17)) return ToText(buffer, value, std::chars_format::fixed);
+    return ToText(buffer, value);
+}
+
+std::string_view SixDecimals(double value, NumberBuffer& buffer) {
+    return ToText(buffer, value, std::chars_format::fixed, 6);
+}
+
+std::string_view UnsignedText(std::uint64_t value, NumberBuffer& buffer) {
+    return ToText(buffer, value);
+}
+
+std::string_view IntegerText(std::int64_t value, NumberBuffer& buffer) {
+    return ToText(buffer, value);
+}
+
+}  // namespace Dravel

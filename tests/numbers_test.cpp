@@ -1,0 +1,95 @@
+// Numbers as the import reads them and as cells and files show them.
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <cstring>
+#include <limits>
+#include <random>
+
+#include "formatset/NumberText.h"
+
+namespace Dravel {
+namespace {
+
+TEST(Numbers, IntegersReadTheirLeadingDigits) {
+    const struct {
+        const char* text;
+        std::uint32_t asUnsigned;
+        std::int32_t asInteger;
+    } cases[] = {
+        {"0", 0, 0},
+        {"12", 12, 12},
+        {" \t7", 7, 7},
+        {"+7", 7, 7},
+        {"12abc", 12, 12},
+        {"12.9", 12, 12},
+        {"1,000", 1, 1},
+        {"-3", 0, -3},
+        {"--3", 0, 0},
+        {"+-3", 0, 0},
+        {"abc", 0, 0},
+        {"", 0, 0},
+        {"-", 0, 0},
+        {"0x10", 0, 0},
+        {"2147483648", 2147483648u, 0},
+        {"-2147483648", 0, std::numeric_limits<std::int32_t>::min()},
+        {"4294967295", 4294967295u, 0},
+        {"4294967296", 0, 0},
+        {"99999999999999999999999", 0, 0},
+    };
+    for (const auto& c : cases) {
+        EXPECT_EQ(ReadUnsigned(c.text), c.asUnsigned) << c.text;
+        EXPECT_EQ(ReadInteger(c.text), c.asInteger) << c.text;
+    }
+}
+
+TEST(Numbers, DoublesReadDecimalTextOnly) {
+    const struct {
+        const char* text;
+        double value;
+    } cases[] = {
+        {"1234.5", 1234.5}, {" -0.25x", -0.25}, {"+.5", 0.5},  {"5.", 5},   {"1e3", 1000}, {"1e", 1},
+        {"1,5", 1},         {"0x10", 0},        {"inf", 0},    {"-nan", 0}, {"", 0},       {".", 0},
+        {"--1", 0},         {"1e999", 0},       {"1e-999", 0}, {"abc", 0},  {"-", 0},      {"1.5e+2", 150},
+    };
+    for (const auto& c : cases)
+        EXPECT_EQ(ReadDouble(c.text), c.value) << c.text;
+}
+
+TEST(Numbers, DoublesAsText) {
+    NumberBuffer buffer;
+    const struct {
+        double value;
+        const char* shortest;
+        const char* fixed;
+    } cases[] = {
+        {0, "0", "0.000000"},
+        {1234.5, "1234.5", "1234.500000"},
+        {100000, "100000", "100000.000000"},
+        {24000, "24000", "24000.000000"},
+        {0.05, "0.05", "0.050000"},
+        {-0.1, "-0.1", "-0.100000"},
+        {0.0000005, "0.0000005", "0.000000"},
+        {1e18, "1e+18", "1000000000000000000.000000"},
+    };
+    for (const auto& c : cases) {
+        EXPECT_EQ(ShortestText(c.value, buffer), c.shortest);
+        EXPECT_EQ(SixDecimals(c.value, buffer), c.fixed);
+    }
+    EXPECT_EQ(SixDecimals(-std::numeric_limits<double>::max(), buffer).size(), 1u + 309u + 7u);
+}
+
+TEST(Numbers, ShortestReadsBackTheSameBits) {
+    std::mt19937_64 random(7);
+    NumberBuffer buffer;
+    for (int i = 0; i < 100000; ++i) {
+        const std::uint64_t bits = random();
+        double value = 0;
+        std::memcpy(&value, &bits, sizeof(value));
+        if (!std::isfinite(value)) continue;
+        ASSERT_EQ(ReadDouble(ShortestText(value, buffer)), value);
+    }
+}
+
+}  // namespace
+}  // namespace Dravel
