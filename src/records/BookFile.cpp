@@ -1,0 +1,234 @@
+#include "records/BookFile.h"
+
+#include <mutex>
+#include <utility>
+
+namespace Dravel {
+
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr int kSwapTries = 11;  // half a second in all
+constexpr std::uint32_t kSwapPause = 50;
+constexpr int kMostBackupsOfOneMinute = 99;
+constexpr std::size_t kCopyBlock = 1048576;
+constexpr char kContext[] = "BookFile";
+
+std::string ReasonOf(const char* step, const FileStatus& status) {
+    static constexpr struct {
+        FileFault fault;
+        const char* words;
+    } kWords[] = {
+        {FileFault::NotFound, "the file is gone"}, {FileFault::PathNotFound, "the folder is gone"},
+        {FileFault::Exists, "the name is taken"},  {FileFault::InUse, "another program holds the file"},
+        {FileFault::Full, "the disk is full"},
+    };
+    std::string reason = step;
+    for (const auto& entry : kWords) {
+        if (entry.fault == status.fault) return reason + ": " + entry.words + ".";
+    }
+    return reason + ": the disk reports error " + std::to_string(status.code) + ".";
+}
+
+fs::path WithEnding(fs::path path, const char* ending) {
+    path += ending;
+    return path;
+}
+
+std::int64_t LocalDay(const IClock& clock, std::int64_t time) {
+    const std::int64_t local = time + clock.ZoneOffset(time);
+    return local / 86400 - (local % 86400 < 0);
+}
+
+}  // namespace
+
+BookFile::BookFile(IFiles& files, IClock& clock, ILog& log, const KRV::Base::RecordFilePlace& place,
+                   ISecurityMaster* master)
+    : CKRVTradeImpl(files, clock, log, place, master),
+      lockPath_(place.folder / (place.name + ".lock")),
+      newPath_(WithEnding(livePath_, ".new")) {}
+
+BookFile::~BookFile() {
+    Release();
+}
+
+bool BookFile::Acquire() {
+    const std::lock_guard guard(lock_);
+    if (owner_) return true;
+    files_.MakeFolders(livePath_.parent_path());
+    if (const FileStatus status = files_.OpenLock(lockPath_, owner_); !status) {
+        LogFault("The book is not ours, error ", status, kContext);
+        return false;
+    }
+    std::uint64_t bytes = 0;
+    if (!Open(true) || !stream_->Size(bytes)) {
+        log_.Line(LogLevel::Error, kContext, "The record file cannot be opened");
+        Release();
+        return false;
+    }
+    holdsUnread_ = bytes > 0;  // until a load has seen all of it
+    backedUp_ = false;
+    return true;
+}
+
+bool BookFile::Owned() {
+    const std::lock_guard guard(lock_);
+    return owner_ != nullptr;
+}
+
+// The file first: who owns the book next must find it free.
+void BookFile::Release() {
+    const std::lock_guard guard(lock_);
+    stream_.reset();
+    owner_.reset();
+}
+
+KRV::VELT::TradeLoadReport BookFile::LoadBook(KRV::VELT::TradeSink sink) {
+    const std::lock_guard guard(lock_);
+    const KRV::VELT::TradeLoadReport report = LoadInto(std::move(sink));
+    holdsUnread_ = !report.Clean();
+    if (report.Clean()) return report;
+    log_.Line(LogLevel::Warning, kContext,
+              "The record file was not read in full: " + std::to_string(report.bytesPassedOver) +
+                  " bytes passed over, " + std::to_string(report.otherFrames) +
+                  " frames that are no trades, " + std::to_string(report.failedFrames) + " trades refused" +
+                  (report.complete ? "" : ", and the disk failed on the way"));
+    return report;
+}
+
+SaveResult BookFile::Save(const BookImage& image) {
+    try {
+        const std::lock_guard guard(lock_);
+        SaveResult result = SaveLocked(image);
+        lastFault_ = result.reason;
+        if (!result.ok) log_.Line(LogLevel::Error, kContext, result.reason);
+        return result;
+    } catch (...) {
+        return {false, "Memory ran out."};
+    }
+}
+
+SaveResult BookFile::SaveLocked(const BookImage& image) {
+    if (!owner_) return {false, "The book is open in another terminal, or its file could not be opened."};
+    if (const FileStatus status = WriteNew(image); !status) {
+        return {false, ReasonOf("The new book could not be written", status)};
+    }
+    // No system replaces a file that is held open; ownership holds off other books meanwhile.
+    stream_.reset();
+    SaveResult result{true, {}};
+    FileStatus status = MakeBackup();
+    if (!status) {
+        result = {false, ReasonOf("The backup could not be made", status)};
+    } else if (status = Swap(); !status) {
+        result = {false, ReasonOf("The old book could not be replaced", status)};
+    }
+    if (result.ok) {
+        holdsUnread_ = false;
+        backedUp_ = false;
+    } else {
+        files_.Remove(newPath_);
+    }
+    // Not opened again it can still be saved: the next save needs its name only.
+    if (!Open(false)) log_.Line(LogLevel::Warning, kContext, "The record file cannot be opened again");
+    return result;
+}
+
+FileStatus BookFile::WriteNew(const BookImage& image) {
+    files_.MakeFolders(newPath_.parent_path());
+    std::unique_ptr<IFile> file;
+    FileStatus status = files_.Open(newPath_, FileMode::Create, FileShare::DenyAll, file);
+    if (!status) return status;
+    status = WriteWhole(*file, image);
+    const FileStatus closed = file->Close();
+    if (status) status = closed;
+    file.reset();
+    if (!status) files_.Remove(newPath_);
+    return status;
+}
+
+FileStatus BookFile::WriteWhole(IFile& file, const BookImage& image) {
+    for (std::size_t i = 0; i < image.Pieces(); ++i) {
+        const auto piece = image.Piece(i);
+        if (const FileStatus status = file.Write(piece.data(), piece.size()); !status) return status;
+    }
+    if (const FileStatus status = file.Flush(); !status) return status;
+    std::uint64_t size = 0;
+    if (const FileStatus status = file.Size(size); !status) return status;
+    return size == image.Bytes() ? FileStatus{} : FileStatus{FileFault::Full, 0};
+}
+
+// At the first save of a day over a file of another day (a file from the future counts, too: the clock was
+// wrong), and over bytes that are in no trade of the book.
+bool BookFile::NeedsBackup() const {
+    FileInfo info;
+    if (!files_.Info(livePath_, info)) return true;  // MakeBackup finds out whether there is anything to keep
+    if (info.size == 0 || backedUp_) return false;
+    return holdsUnread_ || LocalDay(clock_, info.modified) != LocalDay(clock_, clock_.Now());
+}
+
+FileStatus BookFile::MakeBackup() {
+    if (!NeedsBackup()) return {};
+    if (const FileStatus status = files_.MakeFolders(backupFolder_); !status) return status;
+    const std::string stamp = BackupStamp(true);
+    FileStatus status = BackUpAs(BackupPath(stamp));
+    for (int n = 2; status.fault == FileFault::Exists && n <= kMostBackupsOfOneMinute; ++n) {
+        status = BackUpAs(BackupPath(stamp + "_" + std::to_string(n)));
+    }
+    backedUp_ = static_cast<bool>(status);
+    // Somebody took the old book away: there is nothing to keep.
+    FileInfo info;
+    const bool gone =
+        status.fault == FileFault::NotFound && files_.Info(livePath_, info).fault == FileFault::NotFound;
+    return gone ? FileStatus{} : status;
+}
+
+FileStatus BookFile::BackUpAs(const fs::path& to) {
+    const FileStatus status = files_.Link(livePath_, to);
+    return status || status.fault == FileFault::Exists ? status : CopyTo(to);
+}
+
+// Under another name until it is whole.
+FileStatus BookFile::CopyTo(const fs::path& to) {
+    const fs::path partPath = WithEnding(to, ".new");
+    std::unique_ptr<IFile> from, part;
+    FileStatus status = files_.Open(livePath_, FileMode::Read, FileShare::DenyWrite, from);
+    if (!status) return status;
+    status = files_.Open(partPath, FileMode::Create, FileShare::DenyAll, part);
+    if (!status) return status;
+    status = CopyBytes(*from, *part);
+    const FileStatus closed = part->Close();
+    part.reset();
+    if (status) status = closed;
+    if (status) status = files_.Rename(partPath, to);
+    if (!status) files_.Remove(partPath);
+    return status;
+}
+
+FileStatus BookFile::CopyBytes(IFile& from, IFile& to) {
+    const auto block = std::make_unique_for_overwrite<std::uint8_t[]>(kCopyBlock);
+    for (;;) {
+        std::size_t got = 0;
+        if (const FileStatus status = from.Read(block.get(), kCopyBlock, got); !status) return status;
+        if (got == 0) return to.Flush();
+        if (const FileStatus status = to.Write(block.get(), got); !status) return status;
+    }
+}
+
+FileStatus BookFile::Swap() {
+    for (int tries = 1;; ++tries) {
+        const FileStatus status = files_.Replace(newPath_, livePath_);
+        if (status.fault != FileFault::InUse || tries == kSwapTries) return status;
+        clock_.Sleep(kSwapPause);
+    }
+}
+
+BookSaveItem::BookSaveItem(BookFile& file, BookImage image, std::function<void(const SaveResult&)> done)
+    : file_(file), image_(std::move(image)), done_(std::move(done)) {}
+
+void BookSaveItem::Write() {
+    const SaveResult result = file_.Save(image_);
+    if (done_) done_(result);
+}
+
+}  // namespace Dravel

@@ -1,0 +1,79 @@
+// The trade book on disk: who owns it, how it is loaded, and how it is saved so that no moment of a kill, a
+// power cut or a full disk leaves less than the old book or the new one. The protocol is told in
+// docs/data-safety.md.
+#pragma once
+
+#include <functional>
+#include <memory>
+#include <string>
+
+#include "records/ADAStore.h"
+#include "records/BookImage.h"
+#include "records/TradeImpl.h"
+
+namespace Dravel {
+
+struct SaveResult {
+    bool ok = false;
+    std::string reason;  // when not ok: a sentence for the user
+};
+
+// Any thread; every operation takes the file's lock, so a load never meets a save.
+class BookFile final : public KRV::VELT::CKRVTradeImpl {
+ public:
+    // `place.name` as in "DravelBook_Dravel".
+    BookFile(IFiles& files, IClock& clock, ILog& log, const KRV::Base::RecordFilePlace& place,
+             ISecurityMaster* master = nullptr);
+    ~BookFile() override;
+
+    // Makes the folder, becomes the book's owner and opens its file, an empty one when there is none. False:
+    // another process owns the book, or the disk refuses; nothing is then held, Save fails, and nothing is
+    // ever written.
+    bool Acquire();
+    bool Owned();
+    // Gives file and ownership back.
+    void Release();
+
+    // Hands every trade to `sink` in row order, also those behind damaged bytes; what was passed over is
+    // counted, logged, and kept by a dated backup before the next save writes over it. Those with the deleted
+    // mark are told as such and are not to be shown. Of two trades with one identifier the later one counts:
+    // who has the trades by identifier, the caller, sees to that.
+    KRV::VELT::TradeLoadReport LoadBook(KRV::VELT::TradeSink sink);
+
+    // Replaces the whole book by the image: returns ok once its bytes are on the disk. On failure the old
+    // book stands as it was. Never throws.
+    SaveResult Save(const BookImage& image);
+
+ protected:
+    bool SalvagesDamage() const override { return true; }
+
+ private:
+    SaveResult SaveLocked(const BookImage& image);
+    FileStatus WriteNew(const BookImage& image);
+    FileStatus WriteWhole(IFile& file, const BookImage& image);
+    bool NeedsBackup() const;
+    FileStatus MakeBackup();
+    FileStatus BackUpAs(const std::filesystem::path& to);
+    FileStatus CopyTo(const std::filesystem::path& to);
+    FileStatus CopyBytes(IFile& from, IFile& to);
+    FileStatus Swap();
+
+    std::filesystem::path lockPath_, newPath_;
+    std::unique_ptr<IFile> owner_;
+    bool backedUp_ = false;  // the live file as it stands has its dated backup
+};
+
+// One save on its way to the writer thread. `done` is called once, on the thread that carries it out.
+class BookSaveItem final : public KRV::Base::IADAItem {
+ public:
+    BookSaveItem(BookFile& file, BookImage image, std::function<void(const SaveResult&)> done);
+    void Write() override;
+    void Release() override { delete this; }
+
+ private:
+    BookFile& file_;
+    BookImage image_;
+    std::function<void(const SaveResult&)> done_;
+};
+
+}  // namespace Dravel
