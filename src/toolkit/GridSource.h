@@ -1,0 +1,26 @@
+// Where a grid takes its rows from. The grid stores nothing per cell: it asks when it draws.
+#pragma once
+
+#include <cstdint>
+#include <string>
+
+namespace Dravel {
+
+// Windows colour values (red in the low byte); kDefaultColour leaves the system's.
+inline constexpr std::uint32_t kDefaultColour = 0xFFFFFFFF;
+struct GridRowStyle {
+    std::uint32_t background = kDefaultColour;
+    std::uint32_t text = kDefaultColour;
+};
+
+// Asked on the user-interface thread only. Row 0 is the top row.
+class IGridSource {
+ public:
+    virtual ~IGridSource() = default;
+    virtual std::uint32_t RowCount() const = 0;
+    // Display text of a cell in the ANSI code page, into `text` (emptied first). `row` below RowCount().
+    virtual void CellText(std::uint32_t row, int column, std::string& text) const = 0;
+    virtual GridRowStyle RowStyle(std::uint32_t row) const = 0;
+};
+
+}  // namespace Dravel

@@ -1,0 +1,176 @@
+// The grid control: a window over a GridModel that draws the visible cells of an IGridSource and turns keys,
+// mouse and scroll bars into calls on the model.
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <span>
+#include <string>
+#include <vector>
+
+#include "toolkit/Font.h"
+#include "toolkit/Geometry.h"
+#include "toolkit/GridModel.h"
+#include "toolkit/GridSource.h"
+
+namespace Dravel {
+
+// The class name of a grid window unless its owner gives another.
+inline constexpr wchar_t kGridClass[] = L"KRVPGridCtrl";
+
+struct GridModifierKeys {
+    bool shift = false, ctrl = false, alt = false;
+    bool operator==(const GridModifierKeys&) const = default;
+};
+// A key (virtual key code) that sends a command to the grid's window.
+struct GridAccelerator {
+    std::uint32_t key = 0;
+    GridModifierKeys modifiers;
+    std::uint16_t command = 0;
+};
+
+}  // namespace Dravel
+
+// User-interface thread throughout. Windows are void* (HWND). The class keeps its window: destroying the
+// object destroys the window, but hooks of a derived class run only when the window goes first, so a derived
+// destructor calls Destroy(). A grid whose window its parent destroyed stays usable as an object; Window() is
+// then null.
+class CKRVPGridCtrl {
+ public:
+    CKRVPGridCtrl();
+    virtual ~CKRVPGridCtrl();
+    CKRVPGridCtrl(const CKRVPGridCtrl&) = delete;
+    CKRVPGridCtrl& operator=(const CKRVPGridCtrl&) = delete;
+
+    // A visible child of `parent`. `place` in its client pixels. `className` must live as long as the
+    // library.
+    bool Create(void* parent, const Dravel::Rect& place, std::uint32_t id,
+                const wchar_t* className = Dravel::kGridClass);
+    void Destroy();
+    void* Window() const { return window_; }
+
+    // The rows; not owned, must outlive its use here. Resets the rows.
+    void SetSource(const Dravel::IGridSource* source);
+    const Dravel::IGridSource* Source() const { return source_; }
+
+    // Read access; what changes the model goes through the operations below, which also redraw.
+    const Dravel::GridModel& Model() const { return model_; }
+    const Dravel::GridColumns& Columns() const { return model_.Columns(); }
+    const Dravel::GridSelection& Selection() const { return model_.Selection(); }
+    std::uint32_t RowCount() const { return model_.RowCount(); }
+    std::uint32_t CurrentRow() const { return model_.CurrentRow(); }
+    int CurrentColumn() const { return model_.CurrentColumn(); }
+
+    // Columns and header.
+    int InsertColumn(Dravel::GridColumn column);
+    void SetColumnHeader(int column, std::string_view header);
+    void SetColumnWidth(int column, int width);
+    void SetColumnAlign(int column, Dravel::GridAlign align);
+    void SetColumnVisible(int column, bool visible);
+    void SetColumnLocked(int column, bool locked);
+    void MoveColumn(int column, int position);
+    void SetColumnOrder(std::span<const std::int32_t> order);
+    void FreezeColumns(int count);  // 0: none
+    void FitColumn(int column);     // to its header and the cells in view
+    void EnableHeader(bool enable);
+    void EnableRowHeader(bool enable, int width = 9);  // pixels at 96 dpi
+    void EnableMarkSortColumn(bool enable) { markSort_ = enable; }
+    void EnableMultipleSort(bool enable) { multipleSort_ = enable; }
+    bool MultipleSort() const { return multipleSort_; }
+    void SetSortColumn(int column, bool ascending, bool multiple);
+    void ClearSort();
+    bool IsSorted() const { return model_.Sort().Sorted(); }
+
+    // Look.
+    bool SetGridFont(const Dravel::FontBytes& font);  // false: not a font, the old one stays
+    const Dravel::FontBytes& GridFont() const { return fontBytes_; }
+    void ShowRowLines(bool show);
+    bool RowLines() const { return rowLines_; }
+    void ShowColumnLines(bool show);
+
+    // Current cell, selection, scrolling.
+    void SetCurrent(std::uint32_t row, int column);
+    void SelectRows(Dravel::GridRange range);
+    void AddSelection(Dravel::GridRange range);
+    void SelectAll();
+    void ClearSelection();
+    void ScrollRows(std::int64_t rows);   // down when positive
+    void ScrollToRow(std::uint32_t row);  // makes it the top row, as far as there are rows below
+    void EnsureVisible(std::uint32_t row, int column);  // column -1: row alone
+    // Where a cell is drawn, in client pixels; empty when out of view.
+    Dravel::Rect CellRect(std::uint32_t row, int column) const { return model_.View().CellRect(row, column); }
+
+    // The source changed; called after it did. See GridModel for what stays where.
+    void RowsInserted(std::uint32_t at, std::uint32_t count);
+    void RowsRemoved(std::uint32_t at, std::uint32_t count);
+    void RowsSwapped(std::uint32_t a, std::uint32_t b);
+    void RowsReordered(std::uint32_t count, const std::function<std::uint32_t(std::uint32_t)>& newRow);
+    void RowsReset();
+    void RedrawRow(std::uint32_t row);
+    void Redraw();
+    // Between the two, changes of the rows cost no window work each: one update at the end. They nest.
+    void BeginUpdate() { ++updates_; }
+    void EndUpdate();
+
+    // Replaces the table of keys that send commands.
+    void SetAccelerators(std::span<const Dravel::GridAccelerator> table);
+
+    // The window procedure's entry; not for callers.
+    std::intptr_t HandleMessage(void* window, std::uint32_t message, std::uintptr_t wparam,
+                                std::intptr_t lparam);
+
+ protected:
+    virtual bool OnCreate() { return true; }                 // false: creation fails
+    virtual void OnDestroy() {}                              // the window still exists
+    virtual bool OnCommand(std::uint32_t) { return false; }  // a WM_COMMAND; true: done
+    // A control inside the grid tells something: EN_CHANGE and the like. True: done.
+    virtual bool OnControl(std::uint32_t /*id*/, std::uint32_t /*code*/, void* /*control*/) { return false; }
+    // Before the grid's own handling; true: consumed. `key` is a virtual key code.
+    virtual bool OnKeyDown(std::uint32_t /*key*/, Dravel::GridModifierKeys, bool /*repeated*/) {
+        return false;
+    }
+    // `pressed`: this grid saw the press too.
+    virtual bool OnKeyUp(std::uint32_t /*key*/, bool /*pressed*/) { return false; }
+    virtual bool OnChar(std::uint32_t /*unit, UTF-16*/) { return false; }
+    // Where a menu is wanted, in screen pixels (from the keyboard: at the current cell).
+    virtual void OnContextMenu(int /*x*/, int /*y*/, const Dravel::GridHit&) {}
+    virtual void OnCellDoubleClick(std::uint32_t /*row*/, int /*column*/) {}
+    virtual void OnSelectionChanged() {}  // selection or current cell
+    virtual void OnSortChanged() {}  // the user clicked a header: put the rows in the order of Model().Sort()
+    virtual void OnColumnsChanged() {}  // the user changed width or order
+    virtual void OnFocus(bool /*gained*/) {}
+    virtual void OnViewChanged() {}  // scrolled, resized or columns moved: child windows over cells follow
+    // A message that the grid does not handle itself; true: `result` is the answer.
+    virtual bool OnMessage(std::uint32_t /*message*/, std::uintptr_t, std::intptr_t,
+                           std::intptr_t& /*result*/) {
+        return false;
+    }
+
+    // For derived windows' own needs (filter bar, group rows).
+    Dravel::GridModel& MutableModel() { return model_; }
+    void SetBandHeight(int pixels);  // room between header and rows
+    void ModelChanged();             // after changes through MutableModel: scroll bars, redraw, notifications
+
+ private:
+    friend struct GridPaint;
+    friend struct GridInput;
+    struct State;  // window-side state: fonts, drag, wheel remainders
+
+    bool Dispatch(std::uint32_t message, std::uintptr_t wparam, std::intptr_t lparam, std::intptr_t& result);
+    bool Created();
+    void Destroyed();
+    void UpdateMetrics();
+    void UpdateScrollBars();
+
+    Dravel::GridModel model_;
+    const Dravel::IGridSource* source_ = nullptr;
+    void* window_ = nullptr;
+    Dravel::FontBytes fontBytes_{};
+    std::vector<Dravel::GridAccelerator> accelerators_;
+    std::unique_ptr<State> state_;
+    int updates_ = 0;
+    int rowHeaderWidth_ = 9;
+    int bandHeight_ = 0;
+    bool header_ = true, rowHeader_ = true, markSort_ = true, multipleSort_ = false;
+    bool rowLines_ = true, columnLines_ = true;
+};

@@ -1,0 +1,287 @@
+// Mouse, scroll bars and wheel of a grid's window.
+#include <windows.h>
+// Needs the types of the line above.
+#include <windowsx.h>
+
+#include <cstdlib>
+
+#include "toolkit/win32/GridState.h"
+
+using namespace Dravel;
+
+namespace {
+
+constexpr UINT_PTR kAutoScrollTimer = 1;
+constexpr UINT kAutoScrollMilliseconds = 50;
+constexpr int kWheelColumnsPixels = 60;  // sideways per notch, at 96 dpi
+
+bool Held(int key) {
+    return GetKeyState(key) < 0;
+}
+GridModifiers Modifiers() {
+    return {.shift = Held(VK_SHIFT), .ctrl = Held(VK_CONTROL)};
+}
+
+UINT Setting(UINT what, UINT otherwise) {
+    UINT value = otherwise;
+    SystemParametersInfoW(what, 0, &value, 0);
+    return value;
+}
+
+}  // namespace
+
+bool GridInput::Mouse(UINT message, WPARAM, LPARAM lparam) {
+    const int x = GET_X_LPARAM(lparam), y = GET_Y_LPARAM(lparam);
+    switch (message) {
+        case WM_LBUTTONDOWN:
+            LeftDown(x, y, false);
+            return true;
+        case WM_LBUTTONDBLCLK:
+            LeftDown(x, y, true);
+            return true;
+        case WM_MOUSEMOVE:
+            Move(x, y);
+            return true;
+        case WM_LBUTTONUP:
+            LeftUp();
+            return true;
+        case WM_RBUTTONDOWN:
+            RightDown(x, y);
+            return true;
+        default:
+            return false;
+    }
+}
+
+void GridInput::Begin(GridDrag kind, int column, int x) {
+    SetCapture(Window());
+    state.drag = kind;
+    state.dragColumn = column;
+    state.dragX = x;
+    state.dragMoved = false;
+    state.dropPosition = -1;
+    const int position = model.Columns().Position(column);
+    state.dragWidth = position < 0 ? 0 : model.Columns().PixelWidth(position);
+    if (kind == GridDrag::Rows) SetTimer(Window(), kAutoScrollTimer, kAutoScrollMilliseconds, nullptr);
+}
+
+void GridInput::LeftDown(int x, int y, bool doubleClick) {
+    const HWND window = Window();
+    SetFocus(window);
+    // Taking the focus may end an edit elsewhere, which may do anything, even close the bar.
+    if (!IsWindow(window) || grid.window_ != window) return;
+    const GridHit hit = model.View().HitTest(x, y);
+    if (doubleClick && DoubleClick(hit)) return;
+    const bool locked = hit.column >= 0 && model.Columns()[hit.column].locked;
+    if (hit.part == GridPart::Divider) {
+        if (!locked) Begin(GridDrag::Divider, hit.column, x);
+    } else if (hit.part == GridPart::Header) {
+        Begin(GridDrag::Header, hit.column, x);
+    } else if (hit.part == GridPart::Corner) {
+        model.SelectAll();
+        grid.ModelChanged();
+    } else if (hit.part == GridPart::Cell || hit.part == GridPart::RowHeader) {
+        model.Press(hit, Modifiers());
+        Begin(GridDrag::Rows, -1, x);
+        grid.ModelChanged();
+    }
+}
+
+bool GridInput::DoubleClick(const GridHit& hit) {
+    if (hit.part == GridPart::Divider) {
+        if (!model.Columns()[hit.column].locked) {
+            grid.FitColumn(hit.column);
+            grid.OnColumnsChanged();
+        }
+        return true;
+    }
+    if (hit.part != GridPart::Cell || Modifiers().ctrl || Modifiers().shift) return false;
+    model.SetCurrent(hit.row, hit.column);
+    grid.ModelChanged();
+    grid.OnCellDoubleClick(hit.row, hit.column);
+    return true;
+}
+
+// A menu on a row outside the selection is about that row alone.
+void GridInput::RightDown(int x, int y) {
+    const HWND window = Window();
+    SetFocus(window);
+    if (!IsWindow(window) || grid.window_ != window) return;
+    const GridHit hit = model.View().HitTest(x, y);
+    if (hit.part != GridPart::Cell && hit.part != GridPart::RowHeader) return;
+    if (model.Selection().Contains(hit.row)) {
+        model.MoveCurrent(hit.row, hit.column >= 0 ? hit.column : model.CurrentColumn());
+    } else {
+        model.Press(hit, {});
+    }
+    grid.ModelChanged();
+}
+
+void GridInput::Move(int x, int y) {
+    switch (state.drag) {
+        case GridDrag::Rows:
+            if (const GridHit hit = model.View().HitTest(x, y);
+                hit.row != kNoRow && hit.row != model.CurrentRow()) {
+                model.DragTo(hit);
+                grid.ModelChanged();
+            }
+            break;
+        case GridDrag::Divider:
+            model.Columns().SetPixelWidth(model.Columns().Position(state.dragColumn),
+                                          state.dragWidth + x - state.dragX);
+            grid.ModelChanged();
+            break;
+        case GridDrag::Header:
+            DragHeader(x);
+            break;
+        case GridDrag::None:
+            break;
+    }
+}
+
+void GridInput::DragHeader(int x) {
+    if (model.Columns()[state.dragColumn].locked) return;
+    if (std::abs(x - state.dragX) > GetSystemMetrics(SM_CXDRAG)) state.dragMoved = true;
+    const int position = model.View().DropPosition(x);
+    if (!state.dragMoved || position == state.dropPosition) return;
+    state.dropPosition = position;
+    grid.Redraw();
+}
+
+void GridInput::LeftUp() {
+    const GridDrag drag = state.drag;
+    const int column = state.dragColumn, position = state.dropPosition;
+    const bool moved = state.dragMoved;
+    EndDrag();
+    if (drag == GridDrag::Divider) grid.OnColumnsChanged();
+    if (drag != GridDrag::Header) return;
+    if (moved) return DropHeader(column, position);
+    model.Sort().Click(column, grid.multipleSort_ && Modifiers().ctrl);
+    grid.Redraw();
+    grid.OnSortChanged();
+}
+
+void GridInput::DropHeader(int column, int position) {
+    const int from = model.Columns().Position(column);
+    if (position < 0 || from < 0) return;
+    if (position > from) --position;  // it leaves its own place first
+    if (position == from) return grid.Redraw();
+    model.Columns().Move(column, position);
+    grid.ModelChanged();
+    grid.OnColumnsChanged();
+}
+
+void GridInput::EndDrag() {
+    if (state.drag == GridDrag::None) return;
+    if (state.drag == GridDrag::Rows) KillTimer(Window(), kAutoScrollTimer);
+    state.drag = GridDrag::None;
+    state.dragMoved = false;
+    state.dropPosition = -1;
+    if (GetCapture() == Window()) ReleaseCapture();
+    grid.Redraw();
+}
+
+// The selection follows a pointer held above or below the rows.
+void GridInput::AutoScroll() {
+    POINT at{};
+    if (state.drag != GridDrag::Rows || !GetCursorPos(&at) || !ScreenToClient(Window(), &at)) return;
+    RECT client;
+    GetClientRect(Window(), &client);
+    if (at.y >= model.View().RowsTop() && at.y < client.bottom) return;
+    const GridHit hit = model.View().Nearest(at.x, at.y);
+    if (hit.row == kNoRow || hit.row == model.CurrentRow()) return;
+    model.DragTo(hit);
+    grid.ModelChanged();
+}
+
+bool GridInput::Scroll(UINT message, WPARAM wparam) {
+    const bool vertical = message == WM_VSCROLL;
+    GridView& view = model.View();
+    // The message carries 16 bits of the thumb's place; the bar knows all 32.
+    SCROLLINFO info{};
+    info.cbSize = sizeof info;
+    info.fMask = SIF_TRACKPOS;
+    GetScrollInfo(Window(), vertical ? SB_VERT : SB_HORZ, &info);
+    const std::int64_t at = vertical ? view.TopRow() : view.ScrollX();
+    const std::int64_t line = vertical ? 1 : Scale(kWheelColumnsPixels / 3, state.dpi);
+    const std::int64_t page = vertical ? view.PageRows() : view.ScrollWidth();
+    std::int64_t to = at;
+    switch (LOWORD(wparam)) {
+        case SB_LINEUP:
+            to = at - line;
+            break;
+        case SB_LINEDOWN:
+            to = at + line;
+            break;
+        case SB_PAGEUP:
+            to = at - page;
+            break;
+        case SB_PAGEDOWN:
+            to = at + page;
+            break;
+        case SB_TOP:
+            to = 0;
+            break;
+        case SB_BOTTOM:
+            to = vertical ? view.MaxTopRow() : view.MaxScrollX();
+            break;
+        case SB_THUMBTRACK:
+        case SB_THUMBPOSITION:
+            to = info.nTrackPos;
+            break;
+        default:
+            return true;
+    }
+    if (vertical) {
+        view.SetTopRow(to);
+    } else {
+        view.SetScrollX(to);
+    }
+    grid.ModelChanged();
+    return true;
+}
+
+bool GridInput::Wheel(UINT message, WPARAM wparam) {
+    const int turned = GET_WHEEL_DELTA_WPARAM(wparam);
+    GridView& view = model.View();
+    if (message == WM_MOUSEHWHEEL || Held(VK_SHIFT)) {
+        state.wheelColumns +=
+            (message == WM_MOUSEHWHEEL ? turned : -turned) * Scale(kWheelColumnsPixels, state.dpi);
+        view.SetScrollX(view.ScrollX() + state.wheelColumns / WHEEL_DELTA);
+        state.wheelColumns %= WHEEL_DELTA;
+    } else {
+        const UINT lines = Setting(SPI_GETWHEELSCROLLLINES, 3);
+        const int notch = lines == WHEEL_PAGESCROLL ? static_cast<int>(view.PageRows())
+                                                    : static_cast<int>(std::min(lines, 100u));
+        state.wheelRows -= turned * notch;
+        view.SetTopRow(view.TopRow() + static_cast<std::int64_t>(state.wheelRows / WHEEL_DELTA));
+        state.wheelRows %= WHEEL_DELTA;
+    }
+    grid.ModelChanged();
+    return true;
+}
+
+bool GridInput::SetCursorShape() const {
+    POINT at{};
+    if (!GetCursorPos(&at) || !ScreenToClient(Window(), &at)) return false;
+    const GridHit hit = model.View().HitTest(at.x, at.y);
+    if (hit.part != GridPart::Divider || model.Columns()[hit.column].locked) return false;
+    SetCursor(LoadCursorW(nullptr, IDC_SIZEWE));
+    return true;
+}
+
+void GridInput::ContextMenu(LPARAM lparam) {
+    POINT at{GET_X_LPARAM(lparam), GET_Y_LPARAM(lparam)};
+    GridHit hit{GridPart::Cell, model.CurrentRow(), model.CurrentColumn()};
+    if (lparam == -1) {
+        const Rect cell = model.View().CellRect(hit.row, hit.column);
+        at = cell == Rect{} ? POINT{model.View().Metrics().rowHeaderWidth, model.View().RowsTop()}
+                            : POINT{cell.left, cell.bottom};
+        ClientToScreen(Window(), &at);
+    } else {
+        POINT inside = at;
+        ScreenToClient(Window(), &inside);
+        hit = model.View().HitTest(inside.x, inside.y);
+    }
+    grid.OnContextMenu(at.x, at.y, hit);
+}

@@ -1,0 +1,100 @@
+// Keys of a grid's window: first the bar's, then the accelerators, the owner's, the model's, and what is left
+// goes on to the bar or dialog around it.
+#include "toolkit/DockingBar.h"
+#include "toolkit/win32/GridState.h"
+
+using namespace Dravel;
+
+namespace {
+
+constexpr LPARAM kRepeated = LPARAM{1} << 30;  // the key was down before
+constexpr std::uint32_t kFirstText = 32;       // what is below are the characters that control keys make
+
+struct KeyPair {
+    std::uint32_t system;
+    GridKey key;
+};
+constexpr KeyPair kKeys[] = {
+    {VK_UP, GridKey::Up},        {VK_DOWN, GridKey::Down},     {VK_LEFT, GridKey::Left},
+    {VK_RIGHT, GridKey::Right},  {VK_HOME, GridKey::Home},     {VK_END, GridKey::End},
+    {VK_PRIOR, GridKey::PageUp}, {VK_NEXT, GridKey::PageDown}, {VK_SPACE, GridKey::Space},
+    {'A', GridKey::A},
+};
+
+bool Held(int key) {
+    return GetKeyState(key) < 0;
+}
+GridModifierKeys Modifiers() {
+    return {.shift = Held(VK_SHIFT), .ctrl = Held(VK_CONTROL), .alt = Held(VK_MENU)};
+}
+
+bool IsDialog(HWND window) {
+    return window != nullptr && GetClassLongPtrW(window, GCW_ATOM) == 32770;  // the system's dialog class
+}
+
+}  // namespace
+
+bool GridInput::Key(UINT message, WPARAM wparam, LPARAM lparam) {
+    const auto key = static_cast<std::uint32_t>(wparam);
+    if (OfferToBar(message, wparam, lparam)) return true;
+    if (message == WM_CHAR) return key < kFirstText || grid.OnChar(key);
+    if (message != WM_KEYUP) return KeyDown(message, key, lparam);
+    const bool seen = key < state.pressed.size() && state.pressed[key];
+    if (key < state.pressed.size()) state.pressed.reset(key);
+    return grid.OnKeyUp(key, seen);
+}
+
+bool GridInput::OfferToBar(UINT message, WPARAM wparam, LPARAM lparam) const {
+    CKRVPDockingControlBar* bar = CKRVPDockingControlBar::FromWindow(GetParent(Window()));
+    return bar != nullptr && bar->OfferKey(Window(), message, wparam, lparam);
+}
+
+bool GridInput::KeyDown(UINT message, std::uint32_t key, LPARAM lparam) {
+    const GridModifierKeys modifiers = Modifiers();
+    if (key < state.pressed.size()) state.pressed.set(key);
+    if (Accelerator(key, modifiers)) return true;
+    if (grid.OnKeyDown(key, modifiers, (lparam & kRepeated) != 0)) return true;
+    return message == WM_KEYDOWN && (ModelKey(key, modifiers) || LeaveKey(key));
+}
+
+bool GridInput::Accelerator(std::uint32_t key, GridModifierKeys modifiers) {
+    for (const GridAccelerator& entry : grid.accelerators_) {
+        if (entry.key != key || !(entry.modifiers == modifiers)) continue;
+        // The command may end the grid or replace the table.
+        SendMessageW(Window(), WM_COMMAND, MAKEWPARAM(entry.command, 1), 0);
+        return true;
+    }
+    return false;
+}
+
+bool GridInput::ModelKey(std::uint32_t key, GridModifierKeys modifiers) {
+    if (modifiers.alt) return false;
+    for (const KeyPair& pair : kKeys) {
+        if (pair.system != key) continue;
+        if (!model.Key(pair.key, {.shift = modifiers.shift, .ctrl = modifiers.ctrl})) return false;
+        grid.ModelChanged();
+        return true;
+    }
+    return false;
+}
+
+// Escape that nobody took is the bar's; in a dialog the three keys that the grid keeps from it work as
+// everywhere.
+bool GridInput::LeaveKey(std::uint32_t key) {
+    const HWND parent = GetParent(Window());
+    if (!IsDialog(parent)) {
+        CKRVPDockingControlBar* bar = key == VK_ESCAPE ? CKRVPDockingControlBar::FromWindow(parent) : nullptr;
+        if (bar != nullptr) bar->PressEscape();
+        return bar != nullptr;
+    }
+    if (key == VK_TAB) {
+        PostMessageW(parent, WM_NEXTDLGCTL, Held(VK_SHIFT), FALSE);
+    } else if (key == VK_ESCAPE || key == VK_RETURN) {
+        const LRESULT standard = SendMessageW(parent, DM_GETDEFID, 0, 0);
+        const WORD command = HIWORD(standard) == DC_HASDEFID ? LOWORD(standard) : IDOK;
+        PostMessageW(parent, WM_COMMAND, key == VK_ESCAPE ? IDCANCEL : command, 0);
+    } else {
+        return false;
+    }
+    return true;
+}

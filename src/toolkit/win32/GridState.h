@@ -1,0 +1,96 @@
+// What a grid's window holds beside the model: its font, its back buffer, and the mouse and key actions under
+// way.
+#pragma once
+
+#include <windows.h>
+
+#include <bitset>
+#include <string>
+
+#include "toolkit/PGridCtrl.h"
+
+namespace Dravel {
+
+enum class GridDrag : std::uint8_t { None, Rows, Divider, Header };
+
+}  // namespace Dravel
+
+struct CKRVPGridCtrl::State {
+    State() = default;
+    State(const State&) = delete;
+    State& operator=(const State&) = delete;
+    ~State() {
+        Dravel::DeleteFontHandle(font);
+        if (buffer != nullptr) DeleteObject(buffer);
+    }
+
+    HFONT font = nullptr;
+    int textHeight = 13;
+    int dpi = Dravel::kBaseDpi;
+    HBITMAP buffer = nullptr;
+    SIZE bufferSize{};
+    bool focused = false;
+
+    Dravel::GridDrag drag = Dravel::GridDrag::None;
+    int dragColumn = -1;
+    int dragX = 0;                        // where it began
+    int dragWidth = 0;                    // divider: the column's width then, pixels
+    bool dragMoved = false;               // header: it is a move and not a click
+    int dropPosition = -1;                // header: where it would be put
+    int wheelRows = 0, wheelColumns = 0;  // remainders below one notch
+    std::bitset<256> pressed;             // keys whose press this window saw
+
+    // What the owner was last told.
+    std::uint32_t row = Dravel::kNoRow;
+    int column = -1;
+    Dravel::GridSelection selection;
+    bool inScrollBars = false;
+    bool stale = false;  // changed between BeginUpdate and EndUpdate
+
+    std::string ansi;  // buffers of a cell's text
+    std::wstring wide;
+};
+
+// Input half: each returns true when the message is done with.
+struct GridInput {
+    explicit GridInput(CKRVPGridCtrl& owner) : grid(owner), state(*owner.state_), model(owner.model_) {}
+
+    bool Mouse(UINT message, WPARAM wparam, LPARAM lparam);
+    bool Key(UINT message, WPARAM wparam, LPARAM lparam);
+    bool Scroll(UINT message, WPARAM wparam);
+    bool Wheel(UINT message, WPARAM wparam);
+    bool SetCursorShape() const;
+    void ContextMenu(LPARAM lparam);
+    void EndDrag();
+    void AutoScroll();
+
+    CKRVPGridCtrl& grid;
+    CKRVPGridCtrl::State& state;
+    Dravel::GridModel& model;
+
+ private:
+    HWND Window() const { return static_cast<HWND>(grid.window_); }
+    void LeftDown(int x, int y, bool doubleClick);
+    void RightDown(int x, int y);
+    void Move(int x, int y);
+    void LeftUp();
+    void DragHeader(int x);
+    bool DoubleClick(const Dravel::GridHit& hit);
+    void Begin(Dravel::GridDrag kind, int column, int x);
+    void DropHeader(int column, int position);
+    bool Accelerator(std::uint32_t key, Dravel::GridModifierKeys modifiers);
+    bool KeyDown(UINT message, std::uint32_t key, LPARAM lparam);
+    bool ModelKey(std::uint32_t key, Dravel::GridModifierKeys modifiers);
+    bool LeaveKey(std::uint32_t key);
+    bool OfferToBar(UINT message, WPARAM wparam, LPARAM lparam) const;
+};
+
+// Painting half.
+struct GridPaint {
+    static void Paint(CKRVPGridCtrl& grid, HDC screen, const RECT& dirty);
+};
+
+// Width in pixels that a text takes in the grid's font.
+int GridTextWidth(HDC device, const std::wstring& text);
+// Room left and right of a cell's text, and what a sort mark takes, at 96 dpi.
+inline constexpr int kGridCellPadding = 5, kGridSortMarkWidth = 14;
