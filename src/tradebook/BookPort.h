@@ -1,0 +1,27 @@
+// The book as the import sees it: a place that knows which trades it holds and takes new ones.
+#pragma once
+
+#include <cstdint>
+
+#include "records/TradeRecord.h"
+
+namespace Dravel {
+
+// Called on the user-interface thread.
+class ITradeSink {
+ public:
+    virtual ~ITradeSink() = default;
+    // Whether a trade of the book has the record's duplicate key (Symbol, ExchangeTradeID, ExchangeOrderNo
+    // and ExchangeTradeTime, as they stand in the record).
+    virtual bool Holds(const TradeRecord& record) const = 0;
+    // Takes the record as a new trade: gives it VELTTradeID and VELTOrderID, and OrderID when that is 0,
+    // stores and shows it, reports it to the terminal and sets the changed flag. Returns the identifier
+    // given.
+    virtual std::int32_t Add(TradeRecord& record) = 0;
+    // Between the two the trades that come in are shown together, at the end, which is much cheaper. They
+    // nest.
+    virtual void BeginBatch() {}
+    virtual void EndBatch() {}
+};
+
+}  // namespace Dravel
