@@ -1,0 +1,80 @@
+#include "tradebook/DravelBar.h"
+
+using namespace Dravel;
+
+CDravelBar::CDravelBar(const BarContext& context, std::function<void()> gone)
+    : CVELTSDockingControlBar(context.host), context_(context), gone_(std::move(gone)), book_(context.host) {}
+
+CDravelBar::~CDravelBar() {
+    Destroy();
+}
+
+bool CDravelBar::OnCreate() {
+    OpenStore();
+    grid_ = std::make_unique<CDravelGrid>(host_, book_, context_.entry, context_.settings);
+    if (!grid_->Create(Window(), Content(), 0)) return false;
+    LoadBook();
+    context_.entry.BookOpened({book_, store_.get(), *this, context_.log});
+    return true;
+}
+
+void CDravelBar::OpenStore() {
+    const std::filesystem::path folder = context_.folder.Data();
+    store_ = std::make_unique<BookFile>(
+        context_.files, context_.clock, context_.log,
+        KRV::Base::RecordFilePlace{
+            .folder = folder, .backups = folder / "Backup", .name = "DravelBook_Dravel"});
+    if (!store_->Acquire()) store_.reset();
+}
+
+void CDravelBar::LoadBook() {
+    if (!store_) return;
+    book_.BeginLoad();
+    store_->LoadBook([this](const TradeRecord& record, bool deleted) { book_.Load(record, deleted); });
+    book_.EndLoad();
+}
+
+void CDravelBar::LoadProperties(std::string_view key) {
+    grid_->LoadProperties(key);
+}
+
+void CDravelBar::AskToSaveWhenShown() {
+    if (book_.Changed() && Shown()) context_.entry.AskToSave();
+}
+
+void CDravelBar::HideAndTell() {
+    if (context_.entry.Busy()) return;
+    AskToSaveWhenShown();
+    Show(false);
+    TellHost(kHidden);
+}
+
+bool CDravelBar::OnFrameClose() {
+    if (context_.entry.Busy()) return false;
+    AskAtTheEnd();
+    return true;
+}
+
+// Once for the same state of the book, hidden or not: the frame's closing asks, and so does the bar's end
+// when the frame never closed.
+void CDravelBar::AskAtTheEnd() {
+    if (!book_.Changed() || askedAt_ == book_.Revision()) return;
+    askedAt_ = book_.Revision();
+    context_.entry.AskToSave();
+}
+
+void CDravelBar::OnEndSession(bool ending) {
+    if (ending && book_.Changed()) context_.entry.SaveNow();
+}
+
+void CDravelBar::OnDestroy() {
+    AskAtTheEnd();
+    context_.entry.BookClosed();
+    CVELTSDockingControlBar::OnDestroy();
+}
+
+// The last call on this object: `gone` deletes it.
+void CDravelBar::OnNcDestroy() {
+    const std::function<void()> gone = std::move(gone_);
+    if (gone) gone();
+}

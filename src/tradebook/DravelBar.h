@@ -1,0 +1,71 @@
+// The docking pane that holds the trade book.
+#pragma once
+
+#include <memory>
+#include <string_view>
+
+#include "host/User.h"
+#include "platform/Clock.h"
+#include "platform/Files.h"
+#include "records/BookFile.h"
+#include "support/DataFolder.h"
+#include "support/Log.h"
+#include "tradebook/DravelGrid.h"
+#include "tradebook/TradeBook.h"
+#include "tradebook/base/VELTSDockingControlBar.h"
+
+namespace Dravel {
+
+// What the bar needs of the world. All outlive the bar.
+struct BarContext {
+    IHost& host;
+    IEntry& entry;
+    IFiles& files;
+    IClock& clock;
+    const DataFolder& folder;
+    CKRVPRegistry& settings;
+    ILog& log;
+};
+
+}  // namespace Dravel
+
+// User-interface thread. Lives from the first call of DravelBar until its window is destroyed with the host's
+// frame.
+class CDravelBar final : public CVELTSDockingControlBar {
+ public:
+    // `gone` is called once the window is no more; it may delete the bar.
+    CDravelBar(const Dravel::BarContext& context, std::function<void()> gone);
+    ~CDravelBar() override;
+
+    CDravelGrid* Grid() { return grid_.get(); }
+    Dravel::TradeBook& Book() { return book_; }
+
+    void LoadProperties(std::string_view key);
+    // Asks when something changed since the last save and the bar is shown.
+    void AskToSaveWhenShown();
+
+ private:
+    bool OnCreate() override;
+    void OnSize(const Dravel::Rect& content) override;
+    void OnPaint(void* hdc, const Dravel::Rect& content) override;
+    void OnSetFocus() override;
+    void OnPressCloseButton() override { HideAndTell(); }
+    void OnTabCloseButton() override { HideAndTell(); }
+    void OnEscape() override { HideAndTell(); }
+    bool OnFrameClose() override;
+    void OnEndSession(bool ending) override;
+    void OnDestroy() override;
+    void OnNcDestroy() override;
+
+    void OpenStore();
+    void LoadBook();
+    void HideAndTell();
+    void AskAtTheEnd();
+
+    Dravel::BarContext context_;
+    std::function<void()> gone_;
+    Dravel::TradeBook book_;
+    std::unique_ptr<Dravel::BookFile> store_;  // none: it could not be opened, nothing can be saved
+    std::unique_ptr<CDravelGrid> grid_;
+    std::uint64_t askedAt_ = 0;  // the book's revision when the host's end was asked about
+};

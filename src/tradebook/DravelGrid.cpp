@@ -1,0 +1,130 @@
+#include "tradebook/DravelGrid.h"
+
+#include <cstring>
+
+#include "message/TagMessageWriter.h"
+#include "message/Tags.h"
+#include "toolkit/Registry.h"
+#include "tradebook/TradeColumns.h"
+
+using namespace Dravel;
+
+namespace {
+
+constexpr GridModifierKeys kCtrl{.ctrl = true};
+constexpr GridAccelerator kKeys[] = {
+    {'S', kCtrl, command::Save},
+    {'I', kCtrl, command::Import},
+    {'C', kCtrl, command::Copy},
+};
+
+}  // namespace
+
+CDravelGrid::CDravelGrid(IHost& host, TradeBook& book, IEntry& entry, CKRVPRegistry& settings)
+    : host_(host), book_(book), entry_(entry), settings_(settings) {
+    book_.SetObserver(this);
+}
+
+CDravelGrid::~CDravelGrid() {
+    book_.SetObserver(nullptr);
+    Destroy();
+}
+
+bool CDravelGrid::OnCreate() {
+    EnableMarkSortColumn(true);
+    EnableHeader(true);
+    EnableRowHeader(true);
+    ApplyFont();
+    InsertColumns();
+    SetAccelerators(kKeys);
+    SetSource(this);
+    AnnounceGrid();
+    return true;
+}
+
+void CDravelGrid::InsertColumns() {
+    for (const TradeColumn& column : kTradeColumns) {
+        InsertColumn({.key = column.key,
+                      .header = column.header,
+                      .width = column.width,
+                      .align = static_cast<GridAlign>(column.align),
+                      .visible = column.visible});
+    }
+}
+
+// The saved font; without one, the parent's in the face and weight that the book has always had.
+void CDravelGrid::ApplyFont() {
+    FontBytes font{};
+    std::vector<std::uint8_t> saved;
+    if (settings_.Open(kGridKey) && settings_.ReadBinary("Font", saved) && saved.size() == font.size()) {
+        std::memcpy(font.data(), saved.data(), font.size());
+        if (SetGridFont(font)) return;
+    }
+    font = FontOfWindow(Window());
+    SetFontFace(font, L"MS Sans Serif", 700);
+    SetGridFont(font);
+}
+
+// Tells the terminal where the grid and the plug-in's message entry are.
+void CDravelGrid::AnnounceGrid() {
+    CTagMessageWriter frame(msg::EntryAnnouncement);
+    frame.Append64(tag::Entry, reinterpret_cast<std::uintptr_t>(static_cast<void*>(this)));
+    frame.Append30002(host_.MessageEntry());
+    host_.Send(frame);
+}
+
+void CDravelGrid::LoadProperties(std::string_view key) {
+    properties_.Load(settings_, key);
+    ApplyProperties();
+    book_.SetAnalysisOnly(properties_.tradeForGreekAnalysisOnly);
+    if (!properties_.tradeForGreekAnalysisOnly) book_.ReportAll();
+}
+
+void CDravelGrid::ApplyProperties() {
+    FontBytes font{};
+    if (properties_.font.size() == font.size()) {
+        std::memcpy(font.data(), properties_.font.data(), font.size());
+        SetGridFont(font);
+    }
+    FreezeColumns(properties_.columnFreeze);
+    ShowRowLines(properties_.showGridRow);
+    Redraw();
+}
+
+void CDravelGrid::CellText(std::uint32_t row, int column, std::string& text) const {
+    Dravel::CellText(book_.Row(row), column, text);
+}
+
+GridRowStyle CDravelGrid::RowStyle(std::uint32_t row) const {
+    return properties_.StyleOf(book_.Row(row));
+}
+
+const TradeRecord* CDravelGrid::SelectedTrade() const {
+    if (Selection().Empty()) return nullptr;
+    const std::uint32_t current = CurrentRow();
+    const std::uint32_t row = Selection().Contains(current) ? current : Selection().Ranges().front().first;
+    return row < book_.RowCount() ? &book_.Row(row) : nullptr;
+}
+
+void CDravelGrid::OnFocus(bool gained) {
+    host_.Focus(Window(), gained ? 1 : 0);
+}
+
+bool CDravelGrid::OnCommand(std::uint32_t id) {
+    switch (id) {
+        case command::Save:
+            entry_.Save();
+            return true;
+        case command::Import:
+            entry_.Import(Window());
+            return true;
+        case command::ClearSelection:
+            ClearSelection();
+            return true;
+        case command::Copy:
+            CopySelection();
+            return true;
+        default:
+            return false;
+    }
+}

@@ -1,0 +1,61 @@
+#include "tradebook/GridProperties.h"
+
+#include "records/CodeTables.h"
+#include "toolkit/Registry.h"
+
+namespace Dravel {
+
+namespace {
+
+template <typename T>
+struct Setting {
+    const char* name;
+    T GridProperties::*field;
+};
+constexpr Setting<std::uint32_t> kColours[] = {
+    {"BuyColor", &GridProperties::buyColor},
+    {"SellColor", &GridProperties::sellColor},
+    {"FontBuyColor", &GridProperties::fontBuyColor},
+    {"FontSellColor", &GridProperties::fontSellColor},
+};
+constexpr Setting<bool> kSwitches[] = {
+    {"EnableBuy", &GridProperties::enableBuy},
+    {"EnableSell", &GridProperties::enableSell},
+    {"EnableFontBuy", &GridProperties::enableFontBuy},
+    {"EnableFontSell", &GridProperties::enableFontSell},
+    {"Show Grid Row", &GridProperties::showGridRow},
+    {"Carry Forward Trade", &GridProperties::carryForwardTrade},
+    {"Remove Expire Trade", &GridProperties::removeExpireTrade},
+    {"Trade For Greek Analysis Only", &GridProperties::tradeForGreekAnalysisOnly},
+};
+constexpr char kFreeze[] = "ColumnFreeze", kFont[] = "Font";
+
+}  // namespace
+
+bool GridProperties::Load(CKRVPRegistry& settings, std::string_view key) {
+    tradeForGreekAnalysisOnly = false;
+    if (!settings.Open(key)) return false;
+    settings.ReadBinary(kFont, font);
+    for (const auto& [name, field] : kColours) {
+        std::uint32_t colour = this->*field;
+        if (settings.ReadColour(name, colour)) this->*field = colour & 0xFFFFFF;
+    }
+    for (const auto& [name, field] : kSwitches) {
+        std::int32_t value = 0;
+        if (settings.ReadInteger(name, value)) this->*field = value != 0;
+    }
+    std::int32_t freeze = 0;
+    if (settings.ReadInteger(kFreeze, freeze) && freeze >= 0 && freeze <= kMaxFrozenColumns)
+        columnFreeze = freeze;
+    return true;
+}
+
+GridRowStyle GridProperties::StyleOf(const TradeRecord& record) const {
+    const bool buy = record.side == side::Buy;
+    GridRowStyle style;
+    if (buy ? enableBuy : enableSell) style.background = buy ? buyColor : sellColor;
+    if (buy ? enableFontBuy : enableFontSell) style.text = buy ? fontBuyColor : fontSellColor;
+    return style;
+}
+
+}  // namespace Dravel

@@ -1,0 +1,36 @@
+// What all bars of the plug-in share: they tell the terminal about the keyboard, and take work from other
+// threads.
+#pragma once
+
+#include <functional>
+#include <vector>
+
+#include "host/Host.h"
+#include "platform/Lock.h"
+#include "toolkit/DockingBar.h"
+#include "tradebook/base/UiThread.h"
+
+class CVELTSDockingControlBar : public CKRVPDockingControlBar, public Dravel::IUiThread {
+ public:
+    explicit CVELTSDockingControlBar(Dravel::IHost& host) : host_(host) {}
+
+    void Post(std::function<void()> work) override;
+
+ protected:
+    // What the terminal is told about the bar.
+    static constexpr int kGotFocus = 0, kHidden = 1;
+    void TellHost(int flag) { host_.Focus(Window(), flag); }
+
+    bool OnMessage(std::uint32_t message, std::uintptr_t wparam, std::intptr_t lparam,
+                   std::intptr_t& result) override;
+    void OnDestroy() override;
+
+    Dravel::IHost& host_;
+
+ private:
+    void RunPosted();
+
+    KRV::Thread::CKRVLock lock_;  // guards posted_ and target_
+    std::vector<std::function<void()>> posted_;
+    bool closed_ = false;
+};

@@ -1,0 +1,84 @@
+// A terminal in memory: knows contracts and clients, keeps the frames that it is sent, counts what it is
+// asked.
+#pragma once
+
+#include <deque>
+#include <functional>
+#include <map>
+#include <string>
+#include <vector>
+
+#include "formatset/NumberText.h"
+#include "host/Host.h"
+#include "records/RecordText.h"
+#include "support/Frames.h"
+
+namespace Dravel::Test {
+
+class FakeHost final : public IHost {
+ public:
+    static constexpr std::uint64_t kEntry = 0x1122334455667788;
+
+    std::vector<std::string> clients;
+    bool listens = true;
+    std::vector<Frame> sent;
+    std::function<void()> onSend;                     // a terminal that calls back while it is being told
+    std::map<std::uint32_t, int> asked;               // times, by kind
+    std::vector<std::vector<std::string>> questions;  // texts, in order
+
+    // A contract that it knows; strike text empty: found without one.
+    SecurityMasterEntry& Know(const std::vector<std::string>& texts) {
+        SecurityMasterEntry& entry = entries_.emplace_back();
+        SetText(entry.exchange, texts.at(0));
+        SetText(entry.securityType, texts.at(1));
+        SetText(entry.symbol, texts.at(2));
+        SetText(entry.expiryText, texts.at(3));
+        if (texts.size() > 4) {
+            SetText(entry.optionType, texts.at(4));
+            entry.strikePrice = ReadDouble(texts.at(5));
+        }
+        SetText(entry.securityID, "ID" + std::to_string(entries_.size()));
+        byTexts_[texts] = &entry;
+        return entry;
+    }
+
+    MasterAnswer Ask(std::uint32_t kind, std::initializer_list<const char*> texts) override {
+        ++asked[kind];
+        MasterAnswer answer{};
+        if (kind == master::Clients) {
+            list_.clear();
+            for (const std::string& client : clients)
+                list_.push_back(client.c_str());
+            answer.count = static_cast<std::uint32_t>(list_.size());
+            answer.list = list_.data();
+            return answer;
+        }
+        questions.emplace_back(texts.begin(), texts.end());
+        const auto found = byTexts_.find(questions.back());
+        if (found != byTexts_.end()) answer.entry = found->second;
+        return answer;
+    }
+    void Send(CTagMessageWriter& writer) override {
+        for (Frame& frame : WalkAll(Finished(writer)).frames)
+            sent.push_back(std::move(frame));
+        if (onSend) onSend();
+    }
+    bool Listens() const override { return listens; }
+    void Focus(void*, int) override {}
+    std::uint64_t MessageEntry() const override { return kEntry; }
+
+    std::vector<Frame> Sent(std::uint16_t code) const {
+        std::vector<Frame> frames;
+        for (const Frame& frame : sent) {
+            if (frame.code == code) frames.push_back(frame);
+        }
+        return frames;
+    }
+
+ private:
+    std::deque<SecurityMasterEntry> entries_;
+    std::map<std::vector<std::string>, const SecurityMasterEntry*> byTexts_;
+    std::vector<const char*> list_;
+};
+
+}  // namespace Dravel::Test

@@ -1,0 +1,232 @@
+// The book keeps its map, rows, keys, counter and flag in step, and tells the terminal of each trade once.
+#include "tradebook/TradeBook.h"
+
+#include <gtest/gtest.h>
+
+#include <cstring>
+#include <random>
+#include <set>
+
+#include "message/TagMessageReader.h"
+#include "message/TagMessageWriter.h"
+#include "message/Tags.h"
+#include "records/CodeTables.h"
+#include "records/RecordText.h"
+#include "support/FakeHost.h"
+#include "tradebook/GridProperties.h"
+#include "tradebook/base/RememberedAnswers.h"
+#include "tradebook/base/VELTPXMLSettings.h"
+
+namespace Dravel {
+
+namespace fake = Test;
+
+namespace {
+
+TradeRecord Trade(std::string_view symbol, std::string_view exchangeTradeID, std::uint32_t id = 0) {
+    TradeRecord record{};
+    SetText(record.symbol, symbol);
+    SetText(record.exchangeTradeID, exchangeTradeID);
+    record.veltTradeID = id;
+    record.side = side::Buy;
+    record.quantity = 10;
+    return record;
+}
+
+class BookTest : public testing::Test, protected IBookObserver {
+ protected:
+    BookTest() { book.SetObserver(this); }
+    void RowAddedOnTop() override { ++added; }
+    void RowsReset() override { ++resets; }
+    void ChangedFlagSet(bool changed) override { flags += changed ? '+' : '-'; }
+    void BatchBegins() override {}
+    void BatchEnds() override {}
+
+    void Load(std::initializer_list<std::pair<TradeRecord, bool>> frames) {
+        book.BeginLoad();
+        for (const auto& [record, deleted] : frames)
+            book.Load(record, deleted);
+        book.EndLoad();
+    }
+    std::string Symbols() const {
+        std::string all;
+        for (std::uint32_t row = 0; row < book.RowCount(); ++row)
+            all += std::string(TextOf(book.Row(row).symbol)) + " ";
+        return all;
+    }
+
+    std::vector<msg::Code> Codes() const {
+        std::vector<msg::Code> codes;
+        for (const fake::Frame& frame : host.sent)
+            codes.push_back(frame.code);
+        return codes;
+    }
+
+    fake::FakeHost host;
+    TradeBook book{host};
+    int added = 0, resets = 0;
+    std::string flags;
+};
+
+TEST_F(BookTest, ANewTradeTakesTheNextIdentifierStandsOnTopAndIsReportedOnce) {
+    TradeRecord first = Trade("A", "1"), second = Trade("B", "2");
+    second.orderID = 77;
+    EXPECT_EQ(book.Add(first), 1);
+    EXPECT_EQ(book.Add(second), 2);
+    EXPECT_EQ(Symbols(), "B A ");
+    EXPECT_EQ(+book.Row(1).orderID, 1u);
+    EXPECT_EQ(+book.Row(0).orderID, 77u);
+    EXPECT_EQ(+book.Row(0).veltOrderID, 2u);
+    EXPECT_EQ(Codes(), (std::vector<msg::Code>{msg::TradeReport, msg::TradeReport}));
+    EXPECT_EQ(added, 2);
+    EXPECT_EQ(flags, "+");
+    EXPECT_EQ(book.Totals().bought, 20u);
+}
+
+TEST_F(BookTest, AnalysisOnlyKeepsTheTradeAndReportsNothing) {
+    book.SetAnalysisOnly(true);
+    TradeRecord record = Trade("A", "1");
+    book.Add(record);
+    EXPECT_EQ(book.RowCount(), 1u);
+    EXPECT_TRUE(Codes().empty());
+}
+
+TEST_F(BookTest, ATradeFromTheHostKeepsItsIdentifierAndIsReportedTwice) {
+    TradeRecord own = Trade("A", "1", 40), nameless = Trade("B", "2");
+    book.AddFromHost(own);
+    book.AddFromHost(nameless);
+    EXPECT_EQ(+book.Row(1).veltTradeID, 40u);
+    EXPECT_EQ(+book.Row(0).veltTradeID, 41u);
+    EXPECT_EQ(Codes(), (std::vector<msg::Code>{msg::TradeReport, msg::SecondTradeReport, msg::TradeReport,
+                                               msg::SecondTradeReport}));
+    TradeRecord again = Trade("C", "3", 40);
+    book.AddFromHost(again);
+    EXPECT_EQ(book.RowCount(), 3u) << "a trade whose identifier is taken is a trade all the same";
+    EXPECT_EQ(+book.Row(0).veltTradeID, 42u);
+}
+
+TEST_F(BookTest, LoadingKeepsTheOrderAndReportsNothing) {
+    Load({{Trade("C", "3", 9), false}, {Trade("B", "2", 4), false}, {Trade("A", "1", 2), false}});
+    EXPECT_EQ(Symbols(), "C B A ");
+    EXPECT_EQ(book.Counter(), 9u);
+    EXPECT_TRUE(Codes().empty());
+    EXPECT_FALSE(book.Changed());
+    EXPECT_EQ(resets, 1);
+    TradeRecord next = Trade("D", "4");
+    EXPECT_EQ(book.Add(next), 10);
+    EXPECT_EQ(Symbols(), "D C B A ");
+}
+
+TEST_F(BookTest, OfTwoFramesWithOneIdentifierTheLaterCounts) {
+    Load({{Trade("A", "1", 5), false},
+          {Trade("B", "2", 6), false},
+          {Trade("A2", "7", 5), false},
+          {Trade("B", "2", 6), true}});
+    EXPECT_EQ(Symbols(), "A2 ");
+    EXPECT_FALSE(book.Holds(Trade("A", "1")));
+    EXPECT_FALSE(book.Holds(Trade("B", "2")));
+    EXPECT_TRUE(book.Holds(Trade("A2", "7")));
+    EXPECT_EQ(book.Find(6)->deleted, 1);
+}
+
+TEST_F(BookTest, NamelessStoredTradesGetIdentifiersThatNobodyHolds) {
+    Load({{Trade("A", "1"), false}, {Trade("B", "2", 0x80000000u), false}, {Trade("C", "3", 1), false}});
+    EXPECT_EQ(+book.Row(2).veltTradeID, 1u);
+    EXPECT_EQ(+book.Row(1).veltTradeID, 2u);
+    EXPECT_EQ(+book.Row(0).veltTradeID, 3u) << "the newest keeps the largest";
+}
+
+TEST_F(BookTest, TheLargestIdentifierDoesNotEndTheBook) {
+    Load({{Trade("A", "1", 0x7FFFFFFFu), false}, {Trade("B", "2", 1), false}});
+    TradeRecord next = Trade("C", "3");
+    EXPECT_EQ(book.Add(next), 2);
+    EXPECT_EQ(+book.Find(2)->record.veltTradeID, 2u);
+}
+
+TEST_F(BookTest, AKeyIsMadeOfTheTextsAsTheRecordHoldsThem) {
+    TradeRecord record = Trade(std::string(40, 'S'), "1");
+    book.Add(record);
+    EXPECT_TRUE(book.Holds(Trade(std::string(32, 'S'), "1")));
+    EXPECT_FALSE(book.Holds(Trade(std::string(31, 'S'), "1")));
+    EXPECT_EQ(DuplicateKeys::KeyOf(Trade("X", "9")), "X|9||");
+}
+
+TEST_F(BookTest, ReportAllGoesUpTheIdentifiers) {
+    Load({{Trade("C", "3", 7), false}, {Trade("A", "1", 2), false}, {Trade("B", "2", 5), false}});
+    book.ReportAll();
+    std::string symbols;
+    for (const fake::Frame& frame : host.sent) {
+        for (const fake::Field& field : frame.fields) {
+            if (field.tag == tag::Symbol) symbols.append(field.value.begin(), field.value.end());
+        }
+    }
+    EXPECT_EQ(symbols, "ABC");
+}
+
+// A terminal that hands over a trade while it is being told of one.
+TEST_F(BookTest, AReportMayBringATradeIn) {
+    int depth = 0;
+    host.onSend = [&] {
+        if (depth++ > 0) return;
+        TradeRecord inner = Trade("INNER", "2");
+        book.AddFromHost(inner);
+    };
+    TradeRecord outer = Trade("OUTER", "1");
+    EXPECT_EQ(book.Add(outer), 1);
+    EXPECT_EQ(Symbols(), "INNER OUTER ");
+    EXPECT_EQ(+book.Find(2)->record.veltTradeID, 2u);
+}
+
+TEST(DuplicateKeysTest, ACountedSetAgreesWithAMultiset) {
+    std::mt19937 random(7);
+    DuplicateKeys keys;
+    std::multiset<std::string> model;
+    for (int step = 0; step < 20000; ++step) {
+        const TradeRecord record =
+            Trade(std::string(1, char('A' + random() % 5)), std::to_string(random() % 20));
+        const std::string key = DuplicateKeys::KeyOf(record);
+        ASSERT_EQ(keys.Holds(record), model.contains(key));
+        if (random() % 2 == 0) {
+            keys.Enter(record);
+            model.insert(key);
+        } else if (model.contains(key)) {
+            keys.Remove(record);
+            model.erase(model.find(key));
+        }
+    }
+}
+
+TEST(GridPropertiesTest, MissingValuesKeepWhatIsThereAndNonsenseIsIgnored) {
+    CVELTPXMLSettings settings;
+    settings.CreateKey("TradeGrid");
+    settings.WriteInteger("EnableBuy", 1);
+    settings.WriteColour("BuyColor", 0x123456);
+    settings.WriteInteger("ColumnFreeze", 11);
+    GridProperties properties;
+    properties.tradeForGreekAnalysisOnly = true;
+    EXPECT_TRUE(properties.Load(settings, "TradeGrid"));
+    EXPECT_EQ(properties.columnFreeze, 0);
+    EXPECT_FALSE(properties.tradeForGreekAnalysisOnly) << "a missing value clears this one";
+
+    TradeRecord record = Trade("A", "1");
+    EXPECT_EQ(properties.StyleOf(record).background, 0x123456u);
+    EXPECT_EQ(properties.StyleOf(record).text, kDefaultColour);
+    record.side = 3;
+    EXPECT_EQ(properties.StyleOf(record).background, kDefaultColour) << "the sell switch is off";
+    properties.enableSell = true;
+    EXPECT_EQ(properties.StyleOf(record).background, kSellColour)
+        << "all that is no buy takes the sell colours";
+}
+
+TEST(RememberedAnswersTest, AnAnswerBelongsToItsCaptionAndText) {
+    CVELTPXMLSettings settings;
+    RememberedAnswers answers(settings);
+    answers.Remember("Dravel Import ", "Go on?\nReally?", 6);
+    EXPECT_TRUE(answers.Changed());
+    EXPECT_EQ(answers.Find("Dravel Import ", "Go on?\nReally?"), 6u);
+    EXPECT_FALSE(answers.Find("Dravel Import ", "Go on?").has_value());
+    EXPECT_FALSE(answers.Find("Dravel", "Go on?\nReally?").has_value());
+}
+
+}  // namespace
+}  // namespace Dravel
