@@ -1,0 +1,48 @@
+// Trade entry: what the user does to the book.
+#pragma once
+
+#include <memory>
+#include <optional>
+
+#include "entry/CsvImport.h"
+#include "entry/ManualClients.h"
+#include "entry/TradeSaver.h"
+#include "host/Host.h"
+#include "host/User.h"
+#include "platform/Clock.h"
+#include "platform/Files.h"
+#include "tradebook/EntryPort.h"
+
+namespace Dravel {
+
+// What entry needs of the world. All live as long as the library.
+struct EntryContext {
+    IHost& host;
+    IUser& user;
+    IFiles& files;
+    IClock& clock;
+    ManualClients& clients;
+    void (*importDialog)(void* owner, const ImportPorts& ports);  // ShowImportDialog, but in tests
+};
+
+// User-interface thread. Between BookClosed and the next BookOpened every request does nothing.
+class Entry final : public IEntry {
+ public:
+    explicit Entry(const EntryContext& context) : context_(context) {}
+
+    void BookOpened(const BookParts& parts) override;
+    void BookClosed() override;
+    void Save() override;
+    bool AskToSave() override;
+    void SaveNow() override;
+    void Import(void* owner) override;
+    bool Busy() const override { return importing_; }
+
+ private:
+    EntryContext context_;
+    std::optional<BookParts> parts_;
+    std::unique_ptr<TradeSaver> saver_;
+    bool importing_ = false;  // the import dialog is open
+};
+
+}  // namespace Dravel

@@ -1,0 +1,47 @@
+// Clients that the terminal does not know and the user accepted, kept in ManualClientId.txt.
+#pragma once
+
+#include <filesystem>
+#include <set>
+#include <string>
+#include <string_view>
+
+#include "entry/ClientList.h"
+#include "host/Host.h"
+#include "platform/Files.h"
+
+namespace Dravel {
+
+// One identifier a line, in ascending byte order. User-interface thread. Nothing here fails aloud: a file
+// that cannot be opened is an empty one.
+class ManualClients {
+ public:
+    // `folder` is that of the format sets; it is made when missing.
+    ManualClients(IFiles& files, IHost& host, std::filesystem::path folder)
+        : files_(files), host_(host), path_(std::move(folder) / "ManualClientId.txt") {}
+
+    // Reads the file, lists each identifier as it stands in its line, and announces it to the terminal.
+    void Load();
+    // Writes the file anew and announces each identifier to the terminal.
+    //
+    // Both only create the file, empty, when it is not there: a save then keeps nothing until the next one.
+    // Deliberate.
+    void Save();
+
+    void Add(std::string_view id);
+    // Whether the identifier, as a record can hold it, is listed.
+    bool Holds(std::string_view id) const { return known_.Holds(id); }
+    const std::set<std::string, std::less<>>& Ids() const { return ids_; }
+
+ private:
+    bool FileIsThere();
+    void Announce(const std::string& id);
+
+    IFiles& files_;
+    IHost& host_;
+    std::filesystem::path path_;
+    std::set<std::string, std::less<>> ids_;
+    ClientList known_;  // the same ones, as records hold them
+};
+
+}  // namespace Dravel

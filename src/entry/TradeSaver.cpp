@@ -1,0 +1,81 @@
+#include "entry/TradeSaver.h"
+
+#include <exception>
+#include <string>
+#include <utility>
+
+#include "platform/Event.h"
+#include "tradebook/TradeBook.h"
+
+namespace Dravel {
+
+struct TradeSaver::Run {
+    KRV::Thread::CKRVEvent done;  // set once `result` is there
+    SaveResult result;
+};
+
+TradeSaver::~TradeSaver() {
+    if (writer_) writer_->Stop();
+}
+
+void TradeSaver::Save() {
+    parts_.book.SetChanged(false);
+    if (running_) {
+        again_ = true;
+    } else {
+        Begin();
+    }
+}
+
+void TradeSaver::SaveAndWait() {
+    Save();
+    while (const std::shared_ptr<Run> run = running_) {
+        while (run->done.Wait(KRV::Base::kWriterWakeUp) == KRV::Thread::WaitResult::TimedOut) {
+        }
+        Finish(*run);
+    }
+}
+
+void TradeSaver::Begin() try {
+    if (!parts_.store)
+        return Fail("The file of the book is in use by another terminal, or cannot be opened.");
+    BookImage image;
+    for (std::uint32_t row = 0; row < parts_.book.RowCount(); ++row)
+        image.Append(parts_.book.Row(row));
+
+    const auto run = std::make_shared<Run>();
+    const auto done = [this, run, &ui = parts_.ui](const SaveResult& result) {
+        run->result = result;
+        run->done.Set();
+        ui.Post([this, run] { Finish(*run); });
+    };
+    if (!writer_) writer_ = std::make_unique<KRV::Base::CKRVADAWriteAsync>(parts_.log);
+    auto* const item = new BookSaveItem(*parts_.store, std::move(image), done);
+    running_ = run;
+    if (!writer_->Post(item)) KRV::Base::CarryOut(*item);
+} catch (const std::exception& failure) {
+    running_.reset();
+    Fail(failure.what());
+}
+
+// Comes twice for a save that somebody waited for; the second time it is no longer the running one.
+void TradeSaver::Finish(Run& run) {
+    if (running_.get() != &run) return;
+    const SaveResult result = run.result;
+    running_.reset();
+    if (std::exchange(again_, false)) Begin();
+    if (result.ok) {
+        user_.Notice("Dravel Save Successfully");
+    } else {
+        Fail(result.reason);
+    }
+}
+
+// The flag first: while the box is open, closing must already ask.
+void TradeSaver::Fail(std::string_view reason) {
+    parts_.book.SetChanged(true);
+    parts_.log.Line(LogLevel::Error, "Save", reason);
+    user_.Box("Dravel Save Failed\n" + std::string(reason), "Dravel", Buttons::Ok, Icon::Warning);
+}
+
+}  // namespace Dravel

@@ -1,0 +1,45 @@
+// Saves the book: builds the frames, hands them to the writer thread, and tells the user how it went.
+#pragma once
+
+#include <memory>
+#include <string_view>
+
+#include "host/User.h"
+#include "records/ADAWriteAsync.h"
+#include "records/BookFile.h"
+#include "tradebook/EntryPort.h"
+
+namespace Dravel {
+
+// User-interface thread. One save runs at a time; one that is asked for while another runs follows it, with
+// the book as it is then: however often the user asks, at most one image of the book waits.
+class TradeSaver {
+ public:
+    // `parts` outlive the saver.
+    TradeSaver(const BookParts& parts, IUser& user) : parts_(parts), user_(user) {}
+    // Waits until a running save is on the disk, and ends the writer thread.
+    ~TradeSaver();
+    TradeSaver(const TradeSaver&) = delete;
+    TradeSaver& operator=(const TradeSaver&) = delete;
+
+    // Clears the changed flag and begins. The result comes as the notice "Dravel Save Successfully", or as a
+    // box that says why not, with the changed flag set again.
+    void Save();
+    // The same, and returns when the result is known.
+    void SaveAndWait();
+
+ private:
+    struct Run;  // a save on its way, shared with the writer thread
+
+    void Begin();
+    void Finish(Run& run);
+    void Fail(std::string_view reason);
+
+    BookParts parts_;
+    IUser& user_;
+    std::unique_ptr<KRV::Base::CKRVADAWriteAsync> writer_;  // from the first save on
+    std::shared_ptr<Run> running_;
+    bool again_ = false;
+};
+
+}  // namespace Dravel

@@ -1,0 +1,96 @@
+// The manual client list on its file and towards the terminal.
+#include <gtest/gtest.h>
+
+#include "entry/ManualClients.h"
+#include "support/FakeClock.h"
+#include "support/FakeHost.h"
+#include "support/FaultFiles.h"
+
+namespace Dravel {
+namespace {
+
+using Test::FakeClock;
+using Test::FakeHost;
+using Test::FaultFiles;
+using Test::FileBytes;
+using Test::Frame;
+using Strings = std::vector<std::string>;
+
+class ManualClientFile : public testing::Test {
+ protected:
+    static constexpr const char* kPath = "CSV/DravelFormateSet/ManualClientId.txt";
+
+    void Put(const std::string& text) { disk.Put(kPath, FileBytes(text.begin(), text.end())); }
+    std::string Stored() const {
+        const FileBytes& bytes = disk.Content(kPath);
+        return {bytes.begin(), bytes.end()};
+    }
+    Strings Ids() const { return {clients.Ids().begin(), clients.Ids().end()}; }
+    Strings Announced() const {
+        Strings ids;
+        for (const Frame& frame : host.Sent(msg::ManualClient)) {
+            EXPECT_EQ(frame.fields.size(), 1u);
+            EXPECT_EQ(frame.fields[0].tag, tag::ClientID);
+            ids.emplace_back(frame.fields[0].value.begin(), frame.fields[0].value.end());
+        }
+        return ids;
+    }
+
+    FakeClock clock;
+    FaultFiles disk{clock};
+    FakeHost host;
+    ManualClients clients{disk, host, "CSV/DravelFormateSet"};
+};
+
+TEST_F(ManualClientFile, FirstRunMakesAnEmptyFile) {
+    clients.Load();
+    EXPECT_EQ(Stored(), "");
+    EXPECT_TRUE(Ids().empty());
+    EXPECT_TRUE(host.sent.empty());
+}
+
+TEST_F(ManualClientFile, LoadsLinesAsTheyStandAndOnlyOnce) {
+    Put("B2\r\n\r\n A1 \r\nB2\nlast");
+    clients.Load();
+    EXPECT_EQ(Ids(), (Strings{" A1 ", "B2", "last"}));
+    EXPECT_EQ(Announced(), (Strings{"B2", " A1 ", "last"}));
+    EXPECT_TRUE(clients.Holds("B2"));
+    EXPECT_FALSE(clients.Holds("A1"));
+    EXPECT_FALSE(clients.Holds(""));
+}
+
+TEST_F(ManualClientFile, ASaveWithoutAFileOnlyMakesItTheNextOneWrites) {
+    clients.Add("Z9");
+    clients.Add("C3");
+    clients.Save();
+    EXPECT_EQ(Stored(), "");
+    EXPECT_TRUE(host.sent.empty());
+    clients.Save();
+    EXPECT_EQ(Stored(), "C3\r\nZ9\r\n");
+    EXPECT_EQ(Announced(), (Strings{"C3", "Z9"}));
+}
+
+TEST_F(ManualClientFile, LongIdentifiersCompareAsRecordsHoldThem) {
+    Put("ABCDEFGHIJKLMNOPQRSTUVWXYZ\n");
+    clients.Load();
+    EXPECT_TRUE(clients.Holds("ABCDEFGHIJKLMNOPQRST"));
+    EXPECT_FALSE(clients.Holds("ABCDEFGHIJKLMNOPQRS"));
+    EXPECT_EQ(Announced(), Strings{"ABCDEFGHIJKLMNOPQRST"});
+}
+
+TEST_F(ManualClientFile, AFailureAtAnyOperationLeavesTheOldFileOrTheNew) {
+    for (std::uint64_t k = 1; k < 12; ++k) {
+        Put("old\r\n");
+        ManualClients some(disk, host, "CSV/DravelFormateSet");
+        some.Add("new");
+        disk.plan.failAt = disk.Operations() + k;
+        some.Save();
+        disk.ClearPlan();
+        EXPECT_TRUE(Stored() == "old\r\n" || Stored() == "new\r\n") << "operation " << k << ": " << Stored();
+        EXPECT_EQ(disk.OpenHandles(), 0u);
+    }
+    EXPECT_EQ(Stored(), "new\r\n");
+}
+
+}  // namespace
+}  // namespace Dravel
