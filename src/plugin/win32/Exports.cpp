@@ -1,0 +1,78 @@
+#include "plugin/win32/Exports.h"
+
+#include <windows.h>
+
+#include <exception>
+
+#include "message/TagMessageReader.h"
+#include "plugin/MessageDispatch.h"
+#include "plugin/Registration.h"
+#include "plugin/win32/Plugin.h"
+#include "toolkit/Module.h"
+
+namespace {
+
+// No exception may reach the host: it was built by another compiler.
+template <typename Work>
+void Guarded(const char* entry, Work work) noexcept {
+    try {
+        work();
+    } catch (const std::exception& failure) {
+        Dravel::ReportFailure(entry, failure.what());
+    } catch (...) {
+        Dravel::ReportFailure(entry, "unknown exception");
+    }
+}
+
+std::uint64_t Address(auto* entry) {
+    return reinterpret_cast<std::uintptr_t>(entry);
+}
+
+}  // namespace
+
+void GetDllInfo(CTagReceiveQueue* output, std::uint8_t* flag) {
+    if (!output || !flag) return;
+    Guarded("GetDllInfo", [&] {
+        Dravel::AppendRegistration(*output, *flag,
+                                   {Address(&DravelBar), Address(&OnMessage), Address(&OnPluginMessage)});
+    });
+}
+
+void DravelBar() {
+    Guarded("DravelBar", [] { Dravel::Plugin::Instance().ShowBar(); });
+}
+
+void OnMessage(CTagMessageReader* reader) {
+    if (!reader) return;
+    Guarded("OnMessage", [&] { Dravel::DispatchBroadcast(*reader); });
+}
+
+void OnPluginMessage(CTagMessageReader* reader) {
+    if (!reader) return;
+    Guarded("OnPluginMessage", [&] { Dravel::DispatchPluginMessage(*reader, Dravel::Plugin::Instance()); });
+}
+
+extern "C" const IMAGE_TLS_DIRECTORY _tls_used;
+
+// The thread library that is linked in keeps handles for every thread that it has met, and gives them back
+// when the thread ends. The host's thread goes on without us, so it is told here that for this library the
+// thread has ended.
+static void LeaveThread(HINSTANCE module) {
+    const auto* callback = reinterpret_cast<const PIMAGE_TLS_CALLBACK*>(_tls_used.AddressOfCallBacks);
+    while (callback && *callback)
+        (*callback++)(module, DLL_THREAD_DETACH, nullptr);
+}
+
+// Reads the working folder while it is still the host's own. Waits for nothing, at either end.
+BOOL WINAPI DllMain(HINSTANCE module, DWORD reason, void* reserved) {
+    if (reason == DLL_PROCESS_ATTACH) {
+        DisableThreadLibraryCalls(module);
+        Dravel::SetModule(module);
+        Guarded("DllMain", [] { Dravel::Plugin::Make(); });
+    } else if (reason == DLL_PROCESS_DETACH && !reserved) {
+        Dravel::Plugin::Unmake();
+        Dravel::ReleaseModule();
+        LeaveThread(module);
+    }
+    return TRUE;
+}

@@ -1,0 +1,180 @@
+#include "plugin/win32/Plugin.h"
+
+#include <windows.h>
+
+#include <filesystem>
+#include <utility>
+
+#include "entry/DlgImportDravel.h"
+#include "message/TagMessageWriter.h"
+#include "message/Tags.h"
+#include "plugin/Answers.h"
+#include "plugin/win32/Exports.h"
+#include "records/TradeFrame.h"
+#include "toolkit/ActivationContext.h"
+#include "toolkit/Module.h"
+#include "toolkit/PopupWindow.h"
+#include "tradebook/TradeColumns.h"
+
+namespace Dravel {
+
+namespace {
+
+constexpr wchar_t kBarTitle[] = L"Dravel";
+constexpr wchar_t kBarKey[] = L"Dravel";
+constexpr Rect kFloatingPlace{100, 100, 600, 400};
+
+std::filesystem::path WorkingFolder() {
+    wchar_t folder[32768];
+    const DWORD length = GetCurrentDirectoryW(static_cast<DWORD>(std::size(folder)), folder);
+    return std::filesystem::path(std::wstring(folder, length < std::size(folder) ? length : 0));
+}
+
+}  // namespace
+
+static Plugin* theOne = nullptr;
+
+Plugin& Plugin::Instance() {
+    return *theOne;
+}
+void Plugin::Make() {
+    theOne = new Plugin;
+}
+void Plugin::Unmake() noexcept {
+    delete std::exchange(theOne, nullptr);
+}
+
+Plugin::Plugin()
+    : folder_(WorkingFolder()),
+      host_(reinterpret_cast<std::uintptr_t>(&OnPluginMessage)),
+      clients_(SystemFiles(), host_, folder_.FormatSets()),
+      entry_({host_, user_, SystemFiles(), SystemClock(), clients_, &ShowImportDialog}) {}
+
+Plugin::OpenBook::OpenBook(Plugin& plugin)
+    : log(SystemFiles(), SystemClock(), plugin.folder_.Log()),
+      answers(settings),
+      bar({plugin.host_, plugin.entry_, SystemFiles(), SystemClock(), plugin.folder_, settings, log},
+          [&plugin] { plugin.BarGone(); }) {
+    settings.LoadFile(SystemFiles(), plugin.folder_.Settings());
+}
+
+void Plugin::ShowBar() {
+    if (showing_) return;
+    showing_ = true;
+    const struct Cleared {
+        bool& flag;
+        ~Cleared() { flag = false; }
+    } cleared{showing_};
+
+    const ActivationScope activation;
+    if (open_) {
+        open_->bar.Show(true);
+        pending_.clear();
+        if (created_) {
+            open_->bar.Focus();
+            return;
+        }
+    } else {
+        CreateBar();
+        if (!open_) return;
+    }
+    open_->bar.LoadProperties(kGridKey);
+    HandOverPendingItems();
+    created_ = true;
+    open_->bar.Focus();
+}
+
+void Plugin::CreateBar() {
+    void* const frame = TerminalHost::MainFrame();
+    const std::uint32_t identifier = host_.BarID(kBarTitle, kBarKey);
+    HoldLibrary();
+    open_ = std::make_unique<OpenBook>(*this);
+    SetFailureLog(&open_->log);
+    if (!open_->bar.Create(frame, kBarTitle, kFloatingPlace, identifier)) {
+        BarGone();
+        return;
+    }
+    user_.Attach(open_->bar.Window(), &open_->log, &open_->answers);
+    open_->bar.Dock(DockSide::Bottom);
+    open_->bar.Show(true);
+}
+
+// The bar's window is no more: everything that lived with it goes, and the next call makes a new one.
+void Plugin::BarGone() {
+    if (!open_) return;
+    ClosePopups();
+    user_.Attach(nullptr, nullptr, nullptr);
+    SetFailureLog(nullptr);
+    if (open_->answers.Changed()) open_->settings.SaveFile(SystemFiles(), folder_.Settings());
+    created_ = false;
+    const std::unique_ptr<OpenBook> gone = std::move(open_);
+    ReleaseLibrary();
+}
+
+// While windows of the library live, the library must not go, even if the host frees it too early.
+void Plugin::HoldLibrary() {
+    HMODULE self;
+    GetModuleHandleExW(GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS, reinterpret_cast<LPCWSTR>(&Plugin::Instance),
+                       &self);
+}
+
+// Given back by the system when no code of ours runs any more on that thread: a FreeLibrary from here could
+// take away the code to which it returns.
+void Plugin::ReleaseLibrary() {
+    const auto release = [](PTP_CALLBACK_INSTANCE instance, void* self) {
+        FreeLibraryWhenCallbackReturns(instance, static_cast<HMODULE>(self));
+    };
+    TrySubmitThreadpoolCallback(release, Module(), nullptr);
+}
+
+void Plugin::PendingItems() {
+    if (open_) HandOverPendingItems();
+}
+
+void Plugin::HandOverPendingItems() {
+    std::vector<TradeRecord> items;
+    items.swap(pending_);
+    for (TradeRecord& item : items)
+        open_->bar.Book().Add(item);
+}
+
+void Plugin::AskToSave() {
+    if (open_) open_->bar.AskToSaveWhenShown();
+}
+
+void Plugin::EntryQuery() {
+    CTagMessageWriter frame(msg::EntryAnnouncement);
+    BuildEntryAnnouncement(frame, host_.MessageEntry());
+    host_.Send(frame);
+}
+
+void Plugin::TradeFromHost(CTagMessageReader& trade) {
+    TradeRecord record{};
+    ReadTradeFrame(trade, record);
+    if (open_ && created_) {
+        open_->bar.Book().AddFromHost(record);
+    } else {
+        pending_.push_back(record);
+    }
+}
+
+void Plugin::SelectedContract(CTagMessageReader& query) {
+    const std::uint64_t address = ReplyAddress(query);
+    if (address == 0) return;
+    CTagMessageWriter answer(msg::SelectedContractAnswer);
+    const TradeRecord* const trade = open_ && created_ ? open_->bar.Grid()->SelectedTrade() : nullptr;
+    if (trade) {
+        const auto cell = [trade](column::Index index) {
+            std::string text;
+            CellText(*trade, index, text);
+            return text;
+        };
+        const std::string exchange = cell(column::Exchange), security = cell(column::SecurityID),
+                          client = cell(column::ClientID), price = cell(column::Price);
+        const SelectedCells cells{exchange, security, client, price};
+        BuildSelectedContract(answer, &cells);
+    }
+    Reply(address, answer);
+}
+
+}  // namespace Dravel

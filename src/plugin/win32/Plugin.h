@@ -1,0 +1,66 @@
+// The plug-in as a whole: what lives as long as the library, and what lives as long as its bar.
+#pragma once
+
+#include <memory>
+#include <optional>
+#include <vector>
+
+#include "entry/Entry.h"
+#include "plugin/MessageDispatch.h"
+#include "plugin/win32/ScreenUser.h"
+#include "plugin/win32/TerminalHost.h"
+#include "support/DataFolder.h"
+#include "support/Log.h"
+#include "tradebook/DravelBar.h"
+#include "tradebook/base/RememberedAnswers.h"
+#include "tradebook/base/VELTPXMLSettings.h"
+
+namespace Dravel {
+
+// One object, on the user-interface thread. Made while the library is loaded: its construction neither opens
+// files nor makes windows.
+class Plugin final : public IPluginHandlers {
+ public:
+    static Plugin& Instance();
+    // At loading and unloading. When the process ends, nothing is unmade: its threads are gone by then.
+    static void Make();
+    static void Unmake() noexcept;
+
+    // Creates the bar, or shows and focuses it. A call that arrives while one runs does nothing: creating the
+    // bar pumps messages.
+    void ShowBar() override;
+    void SelectedContract(CTagMessageReader& query) override;
+    void TradeFromHost(CTagMessageReader& trade) override;
+    void EntryQuery() override;
+    void PendingItems() override;
+    void AskToSave() override;
+
+ private:
+    // Lives exactly as long as the bar's window; the bar is the last member because it uses the others.
+    struct OpenBook {
+        OpenBook(Plugin& plugin);
+        CFileLog log;
+        CVELTPXMLSettings settings;
+        RememberedAnswers answers;
+        CDravelBar bar;
+    };
+
+    Plugin();
+    void CreateBar();
+    void BarGone();
+    void HandOverPendingItems();
+    void HoldLibrary();
+    void ReleaseLibrary();
+
+    DataFolder folder_;
+    TerminalHost host_;
+    ScreenUser user_;
+    ManualClients clients_;
+    Entry entry_;
+    std::unique_ptr<OpenBook> open_;
+    std::vector<TradeRecord> pending_;  // trades that came while there was no grid
+    bool showing_ = false;              // ShowBar runs
+    bool created_ = false;              // the bar is complete: later calls only show it
+};
+
+}  // namespace Dravel

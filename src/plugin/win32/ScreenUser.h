@@ -1,0 +1,27 @@
+// The person at the screen: real boxes and notices.
+#pragma once
+
+#include "host/User.h"
+#include "support/Log.h"
+#include "tradebook/base/RememberedAnswers.h"
+
+namespace Dravel {
+
+// User-interface thread. Without a log and remembered answers (no bar lives) boxes are simply shown.
+class ScreenUser final : public IUser {
+ public:
+    std::uint32_t Box(std::string_view text, std::string_view caption, Buttons buttons, Icon icon,
+                      std::uint8_t remember) override;
+    void Notice(std::string_view text) override;
+
+    // Where notices are logged and "Don't Ask Again" is kept, and the window (HWND) that both belong to; all
+    // null when the bar goes.
+    void Attach(void* window, ILog* log, RememberedAnswers* answers);
+
+ private:
+    void* window_ = nullptr;
+    ILog* log_ = nullptr;
+    RememberedAnswers* answers_ = nullptr;
+};
+
+}  // namespace Dravel

@@ -1,0 +1,32 @@
+// The terminal as the domain sees it, over the callbacks that its executable exports.
+#pragma once
+
+#include <cstdint>
+
+#include "host/Host.h"
+
+namespace Dravel {
+
+// User-interface thread. A callback that is not exported answers nothing.
+class TerminalHost final : public IHost {
+ public:
+    explicit TerminalHost(std::uint64_t messageEntry) : messageEntry_(messageEntry) {}
+
+    MasterAnswer Ask(std::uint32_t kind, std::initializer_list<const char*> texts) override;
+    void Send(CTagMessageWriter& frame) override;
+    bool Listens() const override;
+    void Focus(void* window, int flag) override;
+    std::uint64_t MessageEntry() const override { return messageEntry_; }
+
+    // The identifier for a new bar; 0 when the terminal gives none.
+    std::uint32_t BarID(const wchar_t* title, const wchar_t* key) const;
+
+    // The visible, unowned top-level window of this thread (HWND): the terminal's main frame. nullptr without
+    // one.
+    static void* MainFrame();
+
+ private:
+    std::uint64_t messageEntry_;
+};
+
+}  // namespace Dravel
