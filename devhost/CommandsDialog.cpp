@@ -1,0 +1,216 @@
+// Commands that look at and drive dialogs, message boxes and notices.
+#include <windows.h>
+
+#include <commctrl.h>
+
+#include <algorithm>
+#include <fstream>
+
+#include "Commands.h"
+#include "Dialogs.h"
+#include "Stage.h"
+#include "Text.h"
+#include "WindowSearch.h"
+
+namespace Dravel::DevHost {
+namespace {
+
+constexpr int kImportCommand = 40004, kImportPath = 1001, kFileName = 1148;
+
+HWND Topmost() {
+    const HWND dialog = FindDialog(L"");
+    if (!dialog) Fail("no dialog is on the screen");
+    return dialog;
+}
+
+HWND Control(const std::string& name) {
+    const HWND control = FindControl(Topmost(), name);
+    if (!control) Fail("no control " + name + "; " + DescribeDialogs());
+    return control;
+}
+
+HWND AwaitDialog(Stage& stage, const std::wstring& title, const std::wstring& text = L"") {
+    HWND found = nullptr;
+    if (!stage.Holds([&] { return (found = FindBox(title, text)) != nullptr; }, stage.limit))
+        Fail("it does not come; " + DescribeDialogs());
+    return found;
+}
+
+void WaitDialog(Stage& stage, const Words& words) {
+    AwaitDialog(stage, FromUtf8(words[0]));
+}
+
+void Press(HWND dialog, const std::string& name) {
+    if (const std::string error = PressButton(dialog, name); !error.empty())
+        Fail(error + "; " + DescribeDialogs());
+}
+
+// Presses and waits until the box is gone, so that the next command does not meet it again.
+void Answer(Stage& stage, HWND box, const std::string& button) {
+    Press(box, button);
+    stage.Until([box] { return !IsWindow(box) || !IsWindowVisible(box); }, "the box stays");
+}
+
+void ExpectBox(Stage& stage, const Words& words) {
+    const HWND box = AwaitDialog(stage, FromUtf8(words[0]), FromUtf8(words[1]));
+    if (words.size() > 2) Answer(stage, box, words[2]);
+}
+
+void AnswerBox(Stage& stage, const Words& words) {
+    Answer(stage, Topmost(), words[0]);
+}
+
+void PrepareAnswer(Stage& stage, const Words& words) {
+    stage.Watch().Prepare({FromUtf8(words[0]), FromUtf8(words[1]), words[2]});
+}
+
+void PressCommand(Stage&, const Words& words) {
+    Press(Topmost(), words[0]);
+}
+
+void SetText(Stage&, const Words& words) {
+    const HWND control = Control(words[0]);
+    const std::wstring text = FromUtf8(words[1]);
+    DWORD_PTR result = 0;
+    SendMessageTimeoutW(control, WM_SETTEXT, 0, reinterpret_cast<LPARAM>(text.c_str()), SMTO_NORMAL, 5000,
+                        &result);
+}
+
+void ExpectText(Stage& stage, const Words& words) {
+    const HWND control = Control(words[0]);
+    const std::wstring pattern = FromUtf8(words[1]);
+    if (!stage.Holds([&] { return Matches(pattern, ControlText(control)); }, stage.limit))
+        Fail("it says \"" + ToUtf8(ControlText(control)) + '"');
+}
+
+void Select(Stage& stage, const Words& words) {
+    const HWND list = Control(words[0]);
+    const std::wstring text = FromUtf8(words[1]);
+    stage.Until([&] { return SelectRow(list, text); }, "no such row");
+}
+
+void ExpectRow(Stage& stage, const Words& words) {
+    const HWND list = Control(words[0]);
+    const std::wstring pattern = FromUtf8(words[1]);
+    stage.Until(
+        [&] {
+            const auto rows = ListRows(list);
+            return std::any_of(rows.begin(), rows.end(),
+                               [&](const auto& row) { return Matches(pattern, row); });
+        },
+        "no such row");
+}
+
+void Check(Stage& stage, const Words& words) {
+    const HWND box = Control(words[0]);
+    if (words[1] != "on" && words[1] != "off") Fail("on or off");
+    const LRESULT wanted = words[1] == "on" ? BST_CHECKED : BST_UNCHECKED;
+    auto state = [box] { return SendMessageW(box, BM_GETCHECK, 0, 0); };
+    if (state() != wanted) PostMessageW(box, BM_CLICK, 0, 0);
+    stage.Until([&] { return state() == wanted; }, "it does not change");
+}
+
+void DumpDialog(Stage& stage, const Words& words) {
+    std::ofstream(stage.File(words[0]), std::ios::binary) << DescribeDialog(Topmost());
+}
+
+void CloseDialog(Stage& stage, const Words&) {
+    const HWND dialog = Topmost();
+    PostMessageW(dialog, WM_CLOSE, 0, 0);
+    stage.Until([dialog] { return !IsWindow(dialog) || !IsWindowVisible(dialog); }, "the dialog stays");
+}
+
+void NoDialogs(Stage& stage, const Words&) {
+    if (!stage.Holds([] { return Dialogs().empty(); }, stage.limit)) Fail(DescribeDialogs());
+}
+
+// The system's own open and save dialogs.
+void FileDialog(Stage& stage, const Words& words) {
+    HWND dialog = nullptr, name = nullptr;
+    stage.Until(
+        [&] {
+            dialog = FindDialog(L"");
+            name = dialog ? FindControl(dialog, NumberText(kFileName)) : nullptr;
+            return name != nullptr;
+        },
+        "no file dialog");
+    const std::wstring path =
+        std::filesystem::path(stage.scriptFolder / FromUtf8(words[0])).make_preferred().native();
+    SendMessageW(name, WM_SETTEXT, 0, reinterpret_cast<LPARAM>(path.c_str()));
+    Answer(stage, dialog, "1");
+}
+
+void Import(Stage& stage, const Words& words) {
+    stage.OnUi([] { PostMessageW(FindGrid(), WM_COMMAND, kImportCommand, 0); });
+    const HWND dialog = AwaitDialog(stage, L"Import Trades");
+    const std::wstring path =
+        std::filesystem::path(stage.scriptFolder / FromUtf8(words[0])).make_preferred().native();
+    const HWND edit = FindControl(dialog, NumberText(kImportPath));
+    if (!edit) Fail("the import dialog has no path edit");
+    SendMessageW(edit, WM_SETTEXT, 0, reinterpret_cast<LPARAM>(path.c_str()));
+    Press(dialog, "OK");
+}
+
+bool Noticed(Stage& stage, const std::wstring& pattern) {
+    const auto notices = stage.Watch().Notices();
+    return std::any_of(notices.begin(), notices.end(),
+                       [&](const auto& notice) { return Matches(pattern, notice); });
+}
+
+void WaitNotice(Stage& stage, const Words& words) {
+    const std::wstring pattern = FromUtf8(words[0]);
+    if (stage.Holds([&] { return Noticed(stage, pattern); }, stage.limit)) return;
+    std::string seen;
+    for (const auto& notice : stage.Watch().Notices())
+        seen += " \"" + ToUtf8(notice) + '"';
+    Fail("it does not come; seen:" + seen);
+}
+
+void ExpectNotice(Stage& stage, const Words& words) {
+    if (!Noticed(stage, FromUtf8(words[0]))) Fail("it was not shown");
+}
+
+void NoNotice(Stage& stage, const Words& words) {
+    if (Noticed(stage, FromUtf8(words[0]))) Fail("it was shown");
+}
+
+void ExpectNotices(Stage& stage, const Words& words) {
+    std::size_t count = 0;
+    if (!ParseNumber(words[0], count)) Fail("not a number");
+    stage.Until([&] { return stage.Watch().Notices().size() == count; }, "another number of notices");
+}
+
+void ForgetNotices(Stage& stage, const Words&) {
+    stage.Watch().ClearNotices();
+}
+
+constexpr CommandEntry kCommands[] = {
+    {"wait-dialog", "TITLE", 1, 1, WaitDialog},
+    {"expect-box", "TITLE TEXT [BUTTON]", 2, 3, ExpectBox},
+    {"answer", "BUTTON", 1, 1, AnswerBox},
+    {"prepare-answer", "TITLE TEXT BUTTON", 3, 3, PrepareAnswer},
+    {"press", "BUTTON", 1, 1, PressCommand},
+    {"set-text", "CONTROL TEXT", 2, 2, SetText},
+    {"expect-text", "CONTROL TEXT", 2, 2, ExpectText},
+    {"select", "CONTROL TEXT", 2, 2, Select},
+    {"expect-row", "CONTROL TEXT", 2, 2, ExpectRow},
+    {"check", "CONTROL on|off", 2, 2, Check},
+    {"dump-dialog", "FILE", 1, 1, DumpDialog},
+    {"close-dialog", "", 0, 0, CloseDialog},
+    {"no-dialogs", "", 0, 0, NoDialogs},
+    {"file-dialog", "PATH", 1, 1, FileDialog},
+    {"import", "FILE", 1, 1, Import},
+    {"wait-notice", "TEXT", 1, 1, WaitNotice},
+    {"expect-notice", "TEXT", 1, 1, ExpectNotice},
+    {"no-notice", "TEXT", 1, 1, NoNotice},
+    {"expect-notices", "COUNT", 1, 1, ExpectNotices},
+    {"forget-notices", "", 0, 0, ForgetNotices},
+};
+
+}  // namespace
+
+std::span<const CommandEntry> DialogCommands() {
+    return kCommands;
+}
+
+}  // namespace Dravel::DevHost

@@ -1,0 +1,163 @@
+// Commands that load the plug-in, open and close its book, and send it messages.
+#include <fstream>
+
+#include "Commands.h"
+#include "Dialogs.h"
+#include "FrameText.h"
+#include "Stage.h"
+#include "Text.h"
+#include "WindowSearch.h"
+#include "message/Tags.h"
+
+namespace Dravel::DevHost {
+namespace {
+
+constexpr wchar_t kModule[] = L"Dravel64R.dll";
+
+// Work that may answer with an error; one that opens a dialog has none yet.
+void OnUiOrFail(Stage& stage, std::function<void(std::string&)> work) {
+    const auto error = stage.AskUi<std::string>([work = std::move(work)] {
+        std::string text;
+        work(text);
+        return text;
+    });
+    if (!error.empty()) Fail(error);
+}
+
+void Load(Stage& stage, const Words&) {
+    OnUiOrFail(stage, [&](std::string& error) { stage.Host().LoadPlugin(error); });
+}
+
+void Unload(Stage& stage, const Words&) {
+    stage.OnUi([&] { stage.Host().UnloadPlugin(); });
+    // The library may give its last reference back on a thread of the system's.
+    stage.Until([] { return !GetModuleHandleW(kModule); }, "the library is not let go");
+}
+
+void Open(Stage& stage, const Words&) {
+    OnUiOrFail(stage, [&](std::string& error) {
+        if (!stage.Host().OpenBook()) error = "the plug-in registered no bar";
+    });
+}
+
+void Send(Stage& stage, const Words& words, bool broadcast) {
+    std::uint16_t code = 0;
+    if (!ParseCode(words[0], code)) Fail("unknown message code");
+    std::vector<std::string> fields;
+    for (std::size_t i = 1; i < words.size(); ++i)
+        fields.push_back(Narrow(FromUtf8(words[i])));
+    OnUiOrFail(stage, [&stage, code, fields, broadcast](std::string& error) {
+        stage.Host().Send(code, fields, error, broadcast);
+    });
+}
+
+void SendMessageCommand(Stage& stage, const Words& words) {
+    Send(stage, words, false);
+}
+void SendBroadcast(Stage& stage, const Words& words) {
+    Send(stage, words, true);
+}
+void OpenByMessage(Stage& stage, const Words&) {
+    Send(stage, {"ShowBar"}, false);
+}
+
+void SendTrade(Stage& stage, const Words& words) {
+    std::uint32_t count = 1;
+    if (!words.empty() && !ParseNumber(words[0], count)) Fail("not a number");
+    OnUiOrFail(stage, [&stage, count](std::string& error) {
+        for (std::uint32_t i = 0; i < count && error.empty(); ++i)
+            stage.Host().SendTrade(error);
+    });
+}
+
+void DestroyBar(Stage& stage, const Words&) {
+    stage.OnUi([] {
+        if (HWND bar = FindBar()) DestroyWindow(bar);
+    });
+}
+
+void CloseFrameCommand(Stage& stage, const Words&) {
+    CloseFrame(stage);
+}
+
+// Only asks; a box that comes up is the script's to answer.
+void AskFrameToClose(Stage& stage, const Words&) {
+    stage.OnUi([&] { PostMessageW(stage.Host().Frame(), WM_CLOSE, 0, 0); });
+}
+
+void NewFrame(Stage& stage, const Words&) {
+    OnUiOrFail(stage, [&](std::string& error) {
+        if (!stage.Host().CreateFrame()) error = "no main frame";
+    });
+}
+
+void GetDllInfoCommand(Stage& stage, const Words& words) {
+    std::uint8_t flag = 0;
+    if (!ParseNumber(words[0], flag)) Fail("the flag is a byte");
+    const auto frames =
+        stage.AskUi<std::string>([&stage, flag] { return stage.Host().Loaded().Introduce(flag); });
+    stage.Report("GetDllInfo with flag " + words[0] + ": " + NumberText(frames.size()) + " bytes");
+    if (words.size() < 2) return stage.Report(Hex(frames));
+    std::ofstream(stage.File(words[1]), std::ios::binary) << Hex(frames) << '\n';
+}
+
+// GetDllInfo with FLAG appends frames of just these codes, in this order.
+void ExpectIntroduction(Stage& stage, const Words& words) {
+    std::uint8_t flag = 0;
+    if (!ParseNumber(words[0], flag)) Fail("the flag is a byte");
+    const auto frames =
+        stage.AskUi<std::string>([&stage, flag] { return stage.Host().Loaded().Introduce(flag); });
+    std::string wanted, found;
+    for (std::size_t i = 1; i < words.size(); ++i)
+        wanted += ' ' + words[i];
+    for (const std::string_view frame : SplitFrames(frames))
+        found += ' ' + CodeName(CodeOf(frame));
+    if (found != wanted) Fail("it appends" + found);
+}
+
+void Reenter(Stage& stage, const Words& words) {
+    if (words[0] != "GetPluginBarID") Fail("only GetPluginBarID can be re-entered");
+    stage.OnUi([&] { stage.Host().reenterOnBarID = true; });
+}
+
+void MakeContracts(Stage& stage, const Words& words) {
+    std::uint32_t count = 0;
+    if (!ParseNumber(words[0], count)) Fail("not a number");
+    stage.OnUi([&stage, count] { stage.Host().Master().MakeContracts(count); });
+}
+
+constexpr CommandEntry kCommands[] = {
+    {"load", "", 0, 0, Load},
+    {"unload", "", 0, 0, Unload},
+    {"open", "", 0, 0, Open},
+    {"open-by-message", "", 0, 0, OpenByMessage},
+    {"close", "", 0, 0, DestroyBar},
+    {"close-frame", "", 0, 0, CloseFrameCommand},
+    {"ask-close-frame", "", 0, 0, AskFrameToClose},
+    {"new-frame", "", 0, 0, NewFrame},
+    {"send", "CODE [FIELD=VALUE...]", 1, 99, SendMessageCommand},
+    {"broadcast", "CODE [FIELD=VALUE...]", 1, 99, SendBroadcast},
+    {"send-trade", "[COUNT]", 0, 1, SendTrade},
+    {"getdllinfo", "FLAG [FILE]", 1, 2, GetDllInfoCommand},
+    {"expect-frames-of-flag", "FLAG CODE...", 1, 99, ExpectIntroduction},
+    {"reenter-on", "GetPluginBarID", 1, 1, Reenter},
+    {"make-contracts", "COUNT", 1, 1, MakeContracts},
+};
+
+}  // namespace
+
+std::span<const CommandEntry> PluginCommands() {
+    return kCommands;
+}
+
+void CloseFrame(Stage& stage) {
+    const HWND frame = stage.Host().Frame();
+    if (!frame) return;
+    // A posted WM_CLOSE reaches a frame under a modal dialog, a person's click does not.
+    if (!IsWindowEnabled(frame)) Fail("the main frame is disabled; " + DescribeDialogs());
+    PostMessageW(frame, WM_CLOSE, 0, 0);
+    if (!stage.Holds([&] { return !IsWindow(frame); }, stage.limit))
+        Fail("the main frame does not close within " + NumberText(stage.limit) + " ms; " + DescribeDialogs());
+}
+
+}  // namespace Dravel::DevHost

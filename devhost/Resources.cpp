@@ -1,0 +1,96 @@
+// Counts handles, threads, windows and objects of this process.
+#include "Resources.h"
+
+#include <windows.h>
+
+#include <psapi.h>
+#include <tlhelp32.h>
+
+#include <vector>
+
+#include "Text.h"
+#include "WindowSearch.h"
+
+namespace Dravel::DevHost {
+namespace {
+
+// Wine leaves GetProcessHandleCount at 0, so the system's table of handles is asked on both.
+std::uint32_t CountHandles() {
+    constexpr ULONG kExtendedHandles = 64;
+    using Query = LONG(WINAPI*)(ULONG, void*, ULONG, ULONG*);
+    struct Handle {
+        void* object;
+        ULONG_PTR process, value;
+        ULONG access;
+        USHORT trace, type;
+        ULONG attributes, reserved;
+    };
+    struct Table {
+        ULONG_PTR count, reserved;
+        Handle handles[1];
+    };
+    const auto query = reinterpret_cast<Query>(
+        reinterpret_cast<void*>(GetProcAddress(GetModuleHandleW(L"ntdll.dll"), "NtQuerySystemInformation")));
+    std::vector<std::uint64_t> space(1 << 15);
+    LONG status = -1;
+    while (query && space.size() < (1 << 24)) {
+        status = query(kExtendedHandles, space.data(), static_cast<ULONG>(space.size() * 8), nullptr);
+        if (status >= 0) break;
+        space.resize(space.size() * 2);
+    }
+    if (status < 0) return 0;
+    const auto* table = reinterpret_cast<const Table*>(space.data());
+    std::uint32_t count = 0;
+    for (ULONG_PTR i = 0; i < table->count; ++i)
+        count += table->handles[i].process == GetCurrentProcessId();
+    return count;
+}
+
+std::uint32_t CountThreads() {
+    const HANDLE snapshot = CreateToolhelp32Snapshot(TH32CS_SNAPTHREAD, 0);
+    if (snapshot == INVALID_HANDLE_VALUE) return 0;
+    std::uint32_t count = 0;
+    THREADENTRY32 entry{};
+    entry.dwSize = sizeof entry;
+    for (BOOL more = Thread32First(snapshot, &entry); more; more = Thread32Next(snapshot, &entry))
+        count += entry.th32OwnerProcessID == GetCurrentProcessId();
+    CloseHandle(snapshot);
+    return count;
+}
+
+std::uint32_t CountWindows() {
+    std::size_t count = 0;
+    for (HWND top : TopWindows())
+        count += 1 + Descendants(top).size();
+    for (HWND window = nullptr; (window = FindWindowExW(HWND_MESSAGE, window, nullptr, nullptr));) {
+        DWORD process = 0;
+        GetWindowThreadProcessId(window, &process);
+        count += process == GetCurrentProcessId();
+    }
+    return static_cast<std::uint32_t>(count);
+}
+
+}  // namespace
+
+ResourceCount CountResources() {
+    ResourceCount count;
+    count.handles = CountHandles();
+    count.threads = CountThreads();
+    count.windows = CountWindows();
+    count.user = GetGuiResources(GetCurrentProcess(), GR_USEROBJECTS);
+    count.gdi = GetGuiResources(GetCurrentProcess(), GR_GDIOBJECTS);
+    PROCESS_MEMORY_COUNTERS_EX memory{};
+    if (K32GetProcessMemoryInfo(GetCurrentProcess(), reinterpret_cast<PROCESS_MEMORY_COUNTERS*>(&memory),
+                                sizeof memory))
+        count.memory =
+            memory.PrivateUsage ? memory.PrivateUsage : memory.WorkingSetSize;  // Wine knows only the latter
+    return count;
+}
+
+std::string ResourceText(const ResourceCount& count) {
+    return NumberText(count.handles) + " handles, " + NumberText(count.threads) + " threads, " +
+           NumberText(count.windows) + " windows, " + NumberText(count.user) + " USER and " +
+           NumberText(count.gdi) + " GDI objects, " + NumberText(count.memory / 1024) + " KB";
+}
+
+}  // namespace Dravel::DevHost
