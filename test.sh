@@ -1,0 +1,85 @@
+#!/usr/bin/env bash
+# Builds and tests everything: the core under ASan and UBSan, its threads under TSan, the library and its windows under
+# Wine, the rules of the house. Installs what is missing. Ends with one line "N passed, N failed".
+set -uo pipefail
+cd "$(dirname "$0")"
+. tools/packages.sh
+. tools/wine.sh
+export LC_ALL=C.UTF-8
+
+passed=0 failed=0
+mkdir -p build/logs
+
+# check NAME COMMAND...: one test; its output is shown only when it fails.
+check() {
+  local name=$1 log="build/logs/${1//[^A-Za-z0-9_.-]/_}.log"; shift
+  local began=$SECONDS
+  if "$@" >"$log" 2>&1; then
+    passed=$((passed + 1)); printf 'ok      %-52s %4d s\n' "$name" $((SECONDS - began))
+  else
+    failed=$((failed + 1)); printf 'FAILED  %-52s (%s)\n' "$name" "$log"; tail -n 40 "$log" | sed 's/^/    /'
+  fi
+}
+
+# suite NAME COMMAND...: a GoogleTest program; each of its tests counts.
+suite() {
+  local name=$1 log="build/logs/${1//[^A-Za-z0-9_.-]/_}.log"; shift
+  local began=$SECONDS ok bad
+  "$@" >"$log" 2>&1
+  local code=$?
+  ok=$(tr -d '\r' <"$log" | sed -n 's/^\[  PASSED  \] \([0-9]*\) tests\{0,1\}\..*/\1/p' | tail -n 1)
+  bad=$(tr -d '\r' <"$log" | sed -n 's/^ *\([0-9]*\) FAILED TESTS\{0,1\}$/\1/p' | tail -n 1)
+  # A crash leaves no closing line: that is a failure, whatever the exit code says.
+  if [ -z "$ok" ] || { [ $code -ne 0 ] && [ -z "$bad" ]; }; then bad=$((${bad:-0} + 1)); fi
+  if [ "${ok:-0}" -eq 0 ] && [ -z "$bad" ]; then bad=1; fi
+  passed=$((passed + ${ok:-0})); failed=$((failed + ${bad:-0}))
+  printf '%-7s %-52s %4d s  %s passed, %s failed\n' "$([ -z "$bad" ] && echo ok || echo FAILED)" "$name" \
+    $((SECONDS - began)) "${ok:-0}" "${bad:-0}"
+  if [ -n "$bad" ]; then grep -aE '^\[  FAILED|Failure|error|ERROR|WARNING: ThreadSanitizer' "$log" | head -n 30 | sed 's/^/    /'; tail -n 15 "$log" | sed 's/^/    /'; fi
+}
+
+# build PRESET TARGET...: configures once, then builds; a failure ends the run.
+build() {
+  local preset=$1; shift
+  [ -f "build/$preset/build.ninja" ] || cmake --preset "$preset" >"build/logs/configure-$preset.log" 2>&1 ||
+    { cat "build/logs/configure-$preset.log"; echo "$passed passed, $((failed + 1)) failed"; exit 1; }
+  cmake --build --preset "$preset" --target "$@" >"build/logs/build-$preset.log" 2>&1 ||
+    { grep -aE 'error|FAILED|undefined' -A3 "build/logs/build-$preset.log" | head -n 60; echo "$passed passed, $((failed + 1)) failed"; exit 1; }
+  echo "built   $preset ($SECONDS s so far)"
+}
+
+formatted() { git ls-files -z -- '*.h' '*.cpp' | xargs -0 clang-format --dry-run -Werror; }
+
+# The library must export its four entries and nothing else, and need nothing but the system.
+exports() {
+  x86_64-w64-mingw32-objdump -p "$1" | sed -n '/^\[Ordinal\/Name Pointer\] Table/,/^$/p' | awk '/^\t\[/ {print $NF}' | LC_ALL=C sort |
+    diff - <(printf '%s\n' DravelBar GetDllInfo OnMessage OnPluginMessage)
+}
+imports() {
+  ! x86_64-w64-mingw32-objdump -p "$1" | sed -n 's/^\tDLL Name: //p' | tr a-z A-Z |
+    grep -vxE '(KERNEL32|USER32|GDI32|COMCTL32|SHELL32|OLE32|ADVAPI32|MSVCRT|SHLWAPI|UXTHEME)\.DLL'
+}
+
+install_missing "${PACKAGES_BUILD[@]}" "${PACKAGES_WINE[@]}" "${PACKAGES_TEST[@]}" || { echo "$passed passed, $((failed + 1)) failed"; exit 1; }
+
+check "sources are formatted" formatted
+
+build linux-asan dravel_tests
+suite "core, ASan and UBSan" build/linux-asan/dravel_tests
+
+build linux-tsan dravel_tests
+suite "threads, TSan" build/linux-tsan/dravel_tests '--gtest_filter=Threads*'
+
+build windows-checked all
+check "the library exports four names" exports build/windows-checked/Dravel64R.dll
+check "the library needs only the system" imports build/windows-checked/Dravel64R.dll
+
+trap stop_wine EXIT
+start_xvfb && start_wine "$PWD/build/wine" desktop
+suite "core, checked, under Wine" wine build/windows-checked/dravel_tests.exe
+for script in tests/gui/*.script; do
+  check "window: $(basename "$script" .script)" tests/gui/run-script.sh build/windows-checked "$script"
+done
+
+echo "$passed passed, $failed failed"
+[ "$failed" -eq 0 ] && [ "$passed" -gt 0 ]
