@@ -3,6 +3,8 @@
 #pragma once
 
 #include "toolkit/GridColumns.h"
+#include "toolkit/GridFilter.h"
+#include "toolkit/GridGroups.h"
 #include "toolkit/GridSelection.h"
 #include "toolkit/GridSort.h"
 #include "toolkit/GridView.h"
@@ -24,6 +26,10 @@ class GridModel {
     const GridColumns& Columns() const { return columns_; }
     GridSort& Sort() { return sort_; }
     const GridSort& Sort() const { return sort_; }
+    GridFilter& Filter() { return filter_; }
+    const GridFilter& Filter() const { return filter_; }
+    GridGroups& Groups() { return groups_; }
+    const GridGroups& Groups() const { return groups_; }
     GridView& View() { return view_; }
     const GridView& View() const { return view_; }
     const GridSelection& Selection() const { return selection_; }
@@ -71,6 +77,8 @@ class GridModel {
 
     GridColumns columns_;
     GridSort sort_;
+    GridFilter filter_;
+    GridGroups groups_;
     GridView view_{columns_};
     GridSelection selection_;
     std::uint32_t row_ = kNoRow;

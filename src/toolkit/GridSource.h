@@ -13,6 +13,12 @@ struct GridRowStyle {
     std::uint32_t text = kDefaultColour;
 };
 
+// What a row is when the rows are grouped: a head stands above the rows of its group.
+struct GridGroupHead {
+    int level = -1;  // 0 outermost; -1: an ordinary row
+    bool open = true;
+};
+
 // Asked on the user-interface thread only. Row 0 is the top row.
 class IGridSource {
  public:
@@ -21,6 +27,9 @@ class IGridSource {
     // Display text of a cell in the ANSI code page, into `text` (emptied first). `row` below RowCount().
     virtual void CellText(std::uint32_t row, int column, std::string& text) const = 0;
     virtual GridRowStyle RowStyle(std::uint32_t row) const = 0;
+    virtual GridGroupHead GroupHead(std::uint32_t /*row*/) const { return {}; }
+    // What a group's head says, across all columns. Into `text` (emptied first).
+    virtual void GroupText(std::uint32_t /*row*/, std::string& text) const { text.clear(); }
 };
 
 }  // namespace Dravel

@@ -137,7 +137,12 @@ class CKRVPGridCtrl {
     virtual void OnCellDoubleClick(std::uint32_t /*row*/, int /*column*/) {}
     virtual void OnSelectionChanged() {}  // selection or current cell
     virtual void OnSortChanged() {}  // the user clicked a header: put the rows in the order of Model().Sort()
-    virtual void OnColumnsChanged() {}  // the user changed width or order
+    // The user typed into the filter bar, or showed or hid it (then -1): show the rows that
+    // Model().Filter() leaves.
+    virtual void OnFilterChanged(int /*column*/) {}
+    virtual void OnGroupsChanged() {}  // the user grouped or ungrouped: order by Model().Groups()
+    virtual void OnGroupToggled(std::uint32_t /*row*/) {}  // the user opened or closed the group of this head
+    virtual void OnColumnsChanged() {}                     // the user changed width or order
     virtual void OnFocus(bool /*gained*/) {}
     virtual void OnViewChanged() {}  // scrolled, resized or columns moved: child windows over cells follow
     // A message that the grid does not handle itself; true: `result` is the answer.
