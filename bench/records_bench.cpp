@@ -193,8 +193,10 @@ void BenchDisk(const std::vector<TradeRecord>& trades) {
     NoLog log;
     BookFile file(SystemFiles(), SystemClock(), log, {folder, folder / "Backup", "Book"});
     if (!file.Acquire()) return;
+    // As a dealer saves: again and again, into the memory of the save before.
+    const auto memory = std::make_shared<ImageMemory>();
     const auto image = [&] {
-        BookImage made;
+        BookImage made(memory);
         for (const TradeRecord& trade : trades) {
             made.Append(trade);
         }

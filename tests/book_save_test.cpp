@@ -52,6 +52,20 @@ TEST(BookSave, ThousandTradesCrashedAtEveryByteLeaveTheOldBookOrTheNew) {
     EXPECT_GT(moments, FramesOf(SomeTrades(1000, 2000)).size());
 }
 
+TEST(BookSave, AnImageInMemoryUsedBeforeHoldsItsOwnTradesOnly) {
+    BookRig rig;
+    ASSERT_TRUE(rig.Start());
+    const auto memory = std::make_shared<ImageMemory>();
+    for (const std::size_t count : {5000u, 7u, 0u, 3000u}) {
+        const Trades trades = SomeTrades(count, static_cast<std::uint32_t>(count));
+        BookImage image(memory);
+        for (const TradeRecord& trade : trades)
+            image.Append(trade);
+        ASSERT_TRUE(rig.file->Save(image).ok);
+        EXPECT_EQ(rig.disk.Content(kBook), FramesOf(trades)) << count;
+    }
+}
+
 TEST(BookSave, TheSameWithoutTheFlushFindsLosses) {
     EXPECT_GT(WatchSave(SomeTrades(900), SomeTrades(1000, 2000), true).second, 0u);
 }

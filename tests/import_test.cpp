@@ -195,6 +195,14 @@ TEST_F(Imports, ContractsAreAskedForOnceAndTakenWhole) {
     EXPECT_EQ(run->Counts().unknownContracts, 2u);
 }
 
+TEST_F(Imports, ATerminalWithoutASecurityMasterIsNotAskedForContracts) {
+    host.hasMaster = false;
+    EXPECT_TRUE(Import("clientid,exchange,securitytype,symbol\nC1,XNSE,EQ,IND\nC2,XNSE,EQ,IDX\n"));
+    EXPECT_TRUE(host.questions.empty());
+    EXPECT_EQ(book.Cells(column::Symbol), "IND IDX ");
+    EXPECT_EQ(run->Counts().unknownContracts, 2u);
+}
+
 TEST_F(Imports, DuplicatesAreSkippedWithANotice) {
     EXPECT_TRUE(Import("clientid,symbol,exchangetradeid\nC1,A,11\nC1,A,12\nC2,A,11\n"));
     EXPECT_EQ(user.notices, Strings{"Dravel Duplicate TRADEID :11"});

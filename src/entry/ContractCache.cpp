@@ -34,6 +34,7 @@ std::string_view BytesOf(const double& value) {
 }  // namespace
 
 bool ContractCache::Resolve(TradeRecord& record) {
+    if (!host_.HasSecurityMaster()) return false;
     const bool option = TextOf(record.securityType).find("OPT") != std::string_view::npos;
     Key key;
     key.Add(TextOf(record.exchange));

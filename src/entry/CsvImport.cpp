@@ -13,6 +13,18 @@ constexpr std::string_view kTitle = "Dravel Import ";  // with its blank, delibe
 constexpr std::string_view kQuestionTitle = "Dravel Import";
 constexpr std::size_t kRunSlice = 4096;  // lines
 
+// Shows the trades that come in while it lives together.
+class Batch {
+ public:
+    explicit Batch(ITradeSink& book) : book_(book) { book_.BeginBatch(); }
+    ~Batch() { book_.EndBatch(); }
+    Batch(const Batch&) = delete;
+    Batch& operator=(const Batch&) = delete;
+
+ private:
+    ITradeSink& book_;
+};
+
 }  // namespace
 
 CsvImport::CsvImport(const ImportPorts& ports, const ImportMapping& mapping)
@@ -62,12 +74,19 @@ bool CsvImport::Step(std::size_t maxLines) {
 }
 
 void CsvImport::ReadLines(std::size_t maxLines) {
+    if (!ReadSomeLines(maxLines)) EndOfFile();
+}
+
+// False: there are no more. The question at the end stands outside the batch, over a book that shows all.
+bool CsvImport::ReadSomeLines(std::size_t maxLines) {
+    const Batch batch(ports_.book);
     std::string_view line;
     for (std::size_t count = 0; count < maxLines; ++count) {
-        if (!lines_->Next(line)) return EndOfFile();
+        if (!lines_->Next(line)) return false;
         ++lineNumber_;
         DealWith(line);
     }
+    return true;
 }
 
 void CsvImport::DealWith(std::string_view line) {
@@ -134,6 +153,7 @@ bool CsvImport::UserAccepts() {
 }
 
 void CsvImport::AcceptLines(std::size_t maxLines) {
+    const Batch batch(ports_.book);
     for (std::size_t count = 0; count < maxLines && accepted_ < held_.size(); ++count)
         Accept(held_[accepted_++]);
     if (accepted_ < held_.size()) return;

@@ -102,6 +102,7 @@ class CsvImport {
     bool Tell(std::string_view text, Icon icon);
     bool MatchFile();
     void ReadLines(std::size_t maxLines);
+    bool ReadSomeLines(std::size_t maxLines);
     void DealWith(std::string_view line);
     void HoldBack(std::string_view line);
     void AcceptLines(std::size_t maxLines);

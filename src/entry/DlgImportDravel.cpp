@@ -149,10 +149,8 @@ void DlgImportDravel::NextSlice() {
 void DlgImportDravel::Slice() {
     const ULONGLONG until = GetTickCount64() + kSliceMilliseconds;
     bool more = true;
-    ports_.book.BeginBatch();
     while (more && GetTickCount64() < until)
         more = import_->Step(kSliceLines);
-    ports_.book.EndBatch();
     ShowProgress();
     if (more) {
         NextSlice();

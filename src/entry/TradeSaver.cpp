@@ -37,9 +37,8 @@ void TradeSaver::SaveAndWait() {
 }
 
 void TradeSaver::Begin() try {
-    if (!parts_.store)
-        return Fail("The file of the book is in use by another terminal, or cannot be opened.");
-    BookImage image;
+    if (!parts_.store) return Fail(kBookNotOwned);
+    BookImage image(imageMemory_);
     for (std::uint32_t row = 0; row < parts_.book.RowCount(); ++row)
         image.Append(parts_.book.Row(row));
 

@@ -39,6 +39,7 @@ class TradeSaver {
     IUser& user_;
     std::unique_ptr<KRV::Base::CKRVADAWriteAsync> writer_;  // from the first save on
     std::shared_ptr<Run> running_;
+    std::shared_ptr<ImageMemory> imageMemory_ = std::make_shared<ImageMemory>();
     bool again_ = false;
 };
 

@@ -18,6 +18,9 @@ class IHost {
     // `kind` is one of master::*, at most 6 texts. The answer is all zero when there is none; it stays valid
     // until the next request.
     virtual MasterAnswer Ask(std::uint32_t kind, std::initializer_list<const char*> texts) = 0;
+    // Whether there is a security master to ask at all: who remembers answers need not remember that there
+    // are none.
+    virtual bool HasSecurityMaster() const = 0;
     // Finishes the frame and hands it over; the terminal copies at once.
     virtual void Send(CTagMessageWriter& frame) = 0;
     // Whether Send reaches anybody: a caller may save itself the building of a frame.

@@ -110,7 +110,7 @@ SaveResult BookFile::Save(const BookImage& image) {
 }
 
 SaveResult BookFile::SaveLocked(const BookImage& image) {
-    if (!owner_) return {false, "The book is open in another terminal, or its file could not be opened."};
+    if (!owner_) return {false, kBookNotOwned};
     if (const FileStatus status = WriteNew(image); !status) {
         return {false, ReasonOf("The new book could not be written", status)};
     }

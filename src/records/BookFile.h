@@ -13,6 +13,10 @@
 
 namespace Dravel {
 
+// Why nothing is saved by the second terminal that opens a book, or without a folder that can be written.
+inline constexpr char kBookNotOwned[] =
+    "The book is open in another terminal, or its file could not be opened.";
+
 struct SaveResult {
     bool ok = false;
     std::string reason;  // when not ok: a sentence for the user

@@ -1,30 +1,38 @@
 #include "records/BookImage.h"
 
-#include <algorithm>
+#include <mutex>
 #include <utility>
 
 #include "records/TradeFrame.h"
 
 namespace Dravel {
 
-namespace {
-constexpr std::size_t kFirstPiece = 65536, kLargestPiece = 4194304;
+ImageMemory::Piece ImageMemory::Take() {
+    const std::lock_guard guard(lock_);
+    if (kept_.empty()) return std::make_unique_for_overwrite<std::uint8_t[]>(kPieceSize);
+    Piece piece = std::move(kept_.back());
+    kept_.pop_back();
+    return piece;
+}
+
+void ImageMemory::Give(Piece piece) noexcept {
+    const std::lock_guard guard(lock_);
+    if (kept_.size() < kMostKept) kept_.push_back(std::move(piece));
+}
+
+BookImage::~BookImage() {
+    for (PieceOfImage& piece : pieces_)
+        memory_->Give(std::move(piece.bytes));
 }
 
 void BookImage::Append(const TradeRecord& trade, bool deleted) {
-    PieceOfImage& piece = PieceWithRoom();
+    if (pieces_.empty() || ImageMemory::kPieceSize - pieces_.back().used < kMaxTradeFrame)
+        pieces_.push_back({memory_->Take()});
+    PieceOfImage& piece = pieces_.back();
     const std::size_t length = BuildStoredTrade(trade, deleted, piece.bytes.get() + piece.used);
     piece.used += length;
     bytes_ += length;
     ++trades_;
-}
-
-BookImage::PieceOfImage& BookImage::PieceWithRoom() {
-    if (!pieces_.empty() && pieces_.back().size - pieces_.back().used >= kMaxTradeFrame)
-        return pieces_.back();
-    const std::size_t size = pieces_.empty() ? kFirstPiece : std::min(pieces_.back().size * 4, kLargestPiece);
-    pieces_.push_back({std::make_unique_for_overwrite<std::uint8_t[]>(size), 0, size});
-    return pieces_.back();
 }
 
 }  // namespace Dravel

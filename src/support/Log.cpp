@@ -1,8 +1,9 @@
 #include "support/Log.h"
 
-#include <charconv>
 #include <mutex>
 #include <utility>
+
+#include "formatset/DateFormat.h"
 
 namespace Dravel {
 
@@ -10,22 +11,7 @@ namespace {
 
 constexpr std::string_view kLevels[] = {"INFO", "WARNING", "ERROR"};
 
-void AppendNumber(std::string& text, std::int32_t value, std::size_t width, std::string_view before = {}) {
-    char digits[12];
-    const auto end = std::to_chars(digits, digits + sizeof digits, value).ptr;
-    const auto count = static_cast<std::size_t>(end - digits);
-    text += before;
-    if (count < width) text.append(width - count, '0');
-    text.append(digits, count);
-}
-
-std::string DayOf(const CivilTime& time) {
-    std::string day;
-    AppendNumber(day, time.year, 4);
-    AppendNumber(day, time.month, 2);
-    AppendNumber(day, time.day, 2);
-    return day;
-}
+constexpr std::size_t kDayLength = 8;  // "yyyyMMdd", what a stamp begins with
 
 void AppendPlain(std::string& line, std::string_view text) {
     for (const char c : text.substr(0, kMaxLogText)) {
@@ -40,14 +26,11 @@ CFileLog::CFileLog(IFiles& files, const IClock& clock, std::filesystem::path fol
 
 void CFileLog::Line(LogLevel level, std::string_view context, std::string_view text) try {
     const std::lock_guard guard(lock_);
-    const CivilTime now = clock_.LocalNow();
-    std::string line = DayOf(now);
-    if (line != day_) OpenDay(line);
+    char stamp[22];
+    LocalTimeStamp(stamp, clock_);
+    std::string line(stamp);
+    if (const std::string day = line.substr(0, kDayLength); day != day_) OpenDay(day);
     if (!file_) return;
-    AppendNumber(line, now.hour, 2, "-");
-    AppendNumber(line, now.minute, 2, ":");
-    AppendNumber(line, now.second, 2, ":");
-    AppendNumber(line, now.millisecond, 3, ".");
     line += ' ';
     line += kLevels[static_cast<std::size_t>(level)];
     line += ' ';

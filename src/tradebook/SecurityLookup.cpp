@@ -5,6 +5,7 @@
 namespace Dravel {
 
 const SecurityMasterEntry* SecurityLookup::Find(const TradeRecord& record) {
+    if (!host_.HasSecurityMaster()) return nullptr;
     const std::string_view exchange = TextOf(record.exchange), identifier = TextOf(record.securityID);
     if (exchange.empty() || identifier.empty()) return nullptr;
     key_.assign(exchange).append(1, '\0').append(identifier);

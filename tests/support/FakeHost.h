@@ -21,6 +21,7 @@ class FakeHost final : public IHost {
 
     std::vector<std::string> clients;
     bool listens = true;
+    bool hasMaster = true;
     std::vector<Frame> sent;
     std::function<void()> onSend;                     // a terminal that calls back while it is being told
     std::map<std::uint32_t, int> asked;               // times, by kind
@@ -58,6 +59,7 @@ class FakeHost final : public IHost {
         if (found != byTexts_.end()) answer.entry = found->second;
         return answer;
     }
+    bool HasSecurityMaster() const override { return hasMaster; }
     void Send(CTagMessageWriter& writer) override {
         for (Frame& frame : WalkAll(Finished(writer)).frames)
             sent.push_back(std::move(frame));

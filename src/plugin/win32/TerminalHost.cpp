@@ -22,6 +22,10 @@ MasterAnswer TerminalHost::Ask(std::uint32_t kind, std::initializer_list<const c
     return answer;
 }
 
+bool TerminalHost::HasSecurityMaster() const {
+    return DLLComman().GetMasterRequest() != nullptr;
+}
+
 void TerminalHost::Send(CTagMessageWriter& frame) {
     const auto send = DLLComman().PluginDataSend();
     if (!send) return;

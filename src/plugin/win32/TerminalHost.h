@@ -13,6 +13,7 @@ class TerminalHost final : public IHost {
     explicit TerminalHost(std::uint64_t messageEntry) : messageEntry_(messageEntry) {}
 
     MasterAnswer Ask(std::uint32_t kind, std::initializer_list<const char*> texts) override;
+    bool HasSecurityMaster() const override;
     void Send(CTagMessageWriter& frame) override;
     bool Listens() const override;
     void Focus(void* window, int flag) override;
