@@ -23,6 +23,7 @@ struct CommandEntry {
 std::span<const CommandEntry> PluginCommands();
 std::span<const CommandEntry> DialogCommands();
 std::span<const CommandEntry> GridCommands();
+std::span<const CommandEntry> BarCommands();
 std::span<const CommandEntry> CheckCommands();
 // nullptr when there is no command of this name.
 const CommandEntry* FindCommand(std::string_view name);

@@ -24,6 +24,12 @@ void Fill(HDC device, const Rect& area, COLORREF colour) {
     ExtTextOutW(device, 0, 0, ETO_OPAQUE, System(area), nullptr, 0, nullptr);
 }
 
+// Where the pointer was when the message was sent: on a busy thread it may be elsewhere by now.
+POINT PointerOfMessage() {
+    const DWORD at = GetMessagePos();
+    return {GET_X_LPARAM(at), GET_Y_LPARAM(at)};
+}
+
 }  // namespace
 
 Rect DockingInput::Client() const {
@@ -207,14 +213,13 @@ void DockingInput::Down(int x, int y) {
         return;
     }
     moved_ = false;
-    GetCursorPos(&start_);
+    start_ = PointerOfMessage();
     if (bar.impl_->frame.mini != nullptr) GetWindowRect(bar.impl_->frame.mini, &startPlace_);
     SetCapture(window);
 }
 
 void DockingInput::Move(int x, int y) {
-    POINT at{};
-    GetCursorPos(&at);
+    const POINT at = PointerOfMessage();
     const bool overClose = CloseButton().Contains(x, y);
     if (overClose && !hot_) {
         TRACKMOUSEEVENT leave{sizeof leave, TME_LEAVE, Window(), 0};
@@ -240,8 +245,7 @@ void DockingInput::Move(int x, int y) {
 void DockingInput::Up(int x, int y) {
     const BarDrag drag = drag_;
     const bool moved = moved_;
-    POINT at{};
-    GetCursorPos(&at);
+    const POINT at = PointerOfMessage();
     EndDrag();
     if (drag == BarDrag::Close && CloseButton().Contains(x, y)) return bar.OnPressCloseButton();
     if (drag == BarDrag::Caption && moved) DropCaption(at);

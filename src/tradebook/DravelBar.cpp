@@ -1,5 +1,9 @@
 #include "tradebook/DravelBar.h"
 
+#include <utility>
+
+#include "tradebook/BookStatus.h"
+
 using namespace Dravel;
 
 CDravelBar::CDravelBar(const BarContext& context, std::function<void()> gone)
@@ -14,6 +18,7 @@ bool CDravelBar::OnCreate() {
     grid_ = std::make_unique<CDravelGrid>(host_, book_, context_.entry, context_.settings);
     if (!grid_->Create(Window(), Content(), 0)) return false;
     LoadBook();
+    MakeStatusLine();
     context_.entry.BookOpened({book_, store_.get(), *this, context_.log});
     return true;
 }
@@ -32,6 +37,35 @@ void CDravelBar::LoadBook() {
     book_.BeginLoad();
     store_->LoadBook([this](const TradeRecord& record, bool deleted) { book_.Load(record, deleted); });
     book_.EndLoad();
+}
+
+void CDravelBar::MakeStatusLine() {
+    if (!status_.Create(Window(), kStatusLine)) return;
+    status_.SetFont(BarFont());
+    context_.notices.SetListener([this] { StatusStale(); });
+    grid_->SetStatusListener([this] { StatusStale(); });
+    ShowStatus();
+}
+
+// Once for all changes until the message queue comes to it: trades come by the thousand.
+void CDravelBar::StatusStale() {
+    if (std::exchange(statusStale_, true)) return;
+    Post([this] {
+        statusStale_ = false;
+        ShowStatus();
+    });
+}
+
+void CDravelBar::ShowStatus() {
+    const auto& notices = context_.notices.All();
+    const auto texts = StatusTexts({.shown = grid_->Model().RowCount(),
+                                    .all = book_.RowCount(),
+                                    .selected = grid_->Selection().RowCount(),
+                                    .bought = book_.Totals().bought,
+                                    .sold = book_.Totals().sold,
+                                    .changed = book_.Changed(),
+                                    .notice = notices.empty() ? std::string() : notices.back().text});
+    status_.SetTexts(texts);
 }
 
 void CDravelBar::LoadProperties(std::string_view key) {
@@ -70,6 +104,8 @@ void CDravelBar::OnEndSession(bool ending) {
 void CDravelBar::OnDestroy() {
     AskAtTheEnd();
     context_.entry.BookClosed();
+    context_.notices.SetListener({});
+    grid_->SetStatusListener({});
     CVELTSDockingControlBar::OnDestroy();
 }
 

@@ -10,8 +10,10 @@
 #include "records/BookFile.h"
 #include "support/DataFolder.h"
 #include "support/Log.h"
+#include "toolkit/StatusLine.h"
 #include "tradebook/DravelGrid.h"
 #include "tradebook/TradeBook.h"
+#include "tradebook/base/NoticeList.h"
 #include "tradebook/base/VELTSDockingControlBar.h"
 
 namespace Dravel {
@@ -25,7 +27,11 @@ struct BarContext {
     const DataFolder& folder;
     CKRVPRegistry& settings;
     ILog& log;
+    NoticeList& notices;
 };
+
+// Identifier of the status line among the bar's children.
+inline constexpr std::uint32_t kStatusLine = 1;
 
 }  // namespace Dravel
 
@@ -46,6 +52,8 @@ class CDravelBar final : public CVELTSDockingControlBar {
 
  private:
     bool OnCreate() override;
+    bool OnMessage(std::uint32_t message, std::uintptr_t wparam, std::intptr_t lparam,
+                   std::intptr_t& result) override;
     void OnSize(const Dravel::Rect& content) override;
     void OnPaint(void* hdc, const Dravel::Rect& content) override;
     void OnSetFocus() override;
@@ -61,11 +69,17 @@ class CDravelBar final : public CVELTSDockingControlBar {
     void LoadBook();
     void HideAndTell();
     void AskAtTheEnd();
+    Dravel::Rect GridRoom(const Dravel::Rect& content) const;
+    void MakeStatusLine();
+    void StatusStale();
+    void ShowStatus();
 
     Dravel::BarContext context_;
     std::function<void()> gone_;
     Dravel::TradeBook book_;
     std::unique_ptr<Dravel::BookFile> store_;  // none: it could not be opened, nothing can be saved
     std::unique_ptr<CDravelGrid> grid_;
+    Dravel::StatusLine status_;
+    bool statusStale_ = false;   // ShowStatus is on its way
     std::uint64_t askedAt_ = 0;  // the book's revision when the host's end was asked about
 };

@@ -1,21 +1,47 @@
 #include <windows.h>
 
+#include <algorithm>
+
+#include "tradebook/BookStatus.h"
+#include "tradebook/DlgNotices.h"
 #include "tradebook/DravelBar.h"
 
-// A margin of one pixel is left for the frame that OnPaint draws.
-void CDravelBar::OnSize(const Dravel::Rect& content) {
-    if (!grid_ || !Shown()) return;
-    SetWindowPos(static_cast<HWND>(grid_->Window()), nullptr, content.left + 1, content.top + 1,
-                 content.right - content.left - 2, content.bottom - content.top - 2,
-                 SWP_NOZORDER | SWP_NOACTIVATE);
+using namespace Dravel;
+
+// What the status line leaves of the content.
+Rect CDravelBar::GridRoom(const Rect& content) const {
+    Rect room = content;
+    if (status_.Window()) room.bottom = std::max(room.top, room.bottom - status_.Height());
+    return room;
 }
 
-void CDravelBar::OnPaint(void* hdc, const Dravel::Rect& content) {
-    const RECT frame{content.left, content.top, content.right, content.bottom};
+// A margin of one pixel is left for the frame that OnPaint draws.
+void CDravelBar::OnSize(const Rect& content) {
+    if (!grid_ || !Shown()) return;
+    const Rect room = GridRoom(content);
+    SetWindowPos(static_cast<HWND>(grid_->Window()), nullptr, room.left + 1, room.top + 1, room.Width() - 2,
+                 room.Height() - 2, SWP_NOZORDER | SWP_NOACTIVATE);
+    if (!status_.Window()) return;
+    status_.SetFont(BarFont());
+    status_.Place({content.left, room.bottom, content.right, content.bottom});
+}
+
+void CDravelBar::OnPaint(void* hdc, const Rect& content) {
+    const Rect room = GridRoom(content);
+    const RECT frame{room.left, room.top, room.right, room.bottom};
     FrameRect(static_cast<HDC>(hdc), &frame, GetSysColorBrush(COLOR_3DSHADOW));
 }
 
 void CDravelBar::OnSetFocus() {
     TellHost(kGotFocus);
     if (grid_) SetFocus(static_cast<HWND>(grid_->Window()));
+}
+
+// A click on the last notice shows them all.
+bool CDravelBar::OnMessage(std::uint32_t message, std::uintptr_t wparam, std::intptr_t lparam,
+                           std::intptr_t& result) {
+    if (message != WM_NOTIFY || status_.ClickedPart(lparam) != statuspart::Notice)
+        return CVELTSDockingControlBar::OnMessage(message, wparam, lparam, result);
+    ShowNoticeList(Window(), context_.notices);
+    return true;
 }

@@ -1,6 +1,7 @@
 // The grid of the trade book: one row a trade, the newest on top.
 #pragma once
 
+#include <functional>
 #include <string>
 
 #include "host/Host.h"
@@ -37,6 +38,8 @@ class CDravelGrid final : public CVELTSGridCtrl, private Dravel::IGridSource, pr
     // The trade of the current row when that is selected, else of the first selected row; nullptr without a
     // selection.
     const TradeRecord* SelectedTrade() const;
+    // Called after rows, selection or the changed flag may have changed; empty: nobody listens.
+    void SetStatusListener(std::function<void()> listener) { statusListener_ = std::move(listener); }
 
  private:
     bool OnCreate() override;
@@ -48,9 +51,19 @@ class CDravelGrid final : public CVELTSGridCtrl, private Dravel::IGridSource, pr
     void CellText(std::uint32_t row, int column, std::string& text) const override;
     Dravel::GridRowStyle RowStyle(std::uint32_t row) const override;
 
-    void RowAddedOnTop() override { RowsInserted(0, 1); }
-    void RowsReset() override { CVELTSGridCtrl::RowsReset(); }
-    void ChangedFlagSet(bool) override {}
+    void RowAddedOnTop() override {
+        RowsInserted(0, 1);
+        StatusStale();
+    }
+    void RowsReset() override {
+        CVELTSGridCtrl::RowsReset();
+        StatusStale();
+    }
+    void ChangedFlagSet(bool) override { StatusStale(); }
+    void OnSelectionChanged() override { StatusStale(); }
+    void StatusStale() const {
+        if (statusListener_) statusListener_();
+    }
     void BatchBegins() override { BeginUpdate(); }
     void BatchEnds() override { EndUpdate(); }
 
@@ -64,4 +77,5 @@ class CDravelGrid final : public CVELTSGridCtrl, private Dravel::IGridSource, pr
     Dravel::IEntry& entry_;
     CKRVPRegistry& settings_;
     Dravel::GridProperties properties_;
+    std::function<void()> statusListener_;
 };

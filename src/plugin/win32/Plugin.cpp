@@ -15,6 +15,7 @@
 #include "toolkit/Module.h"
 #include "toolkit/PopupWindow.h"
 #include "tradebook/TradeColumns.h"
+#include "tradebook/base/BarPlace.h"
 
 namespace Dravel {
 
@@ -22,6 +23,7 @@ namespace {
 
 constexpr wchar_t kBarTitle[] = L"Dravel";
 constexpr wchar_t kBarKey[] = L"Dravel";
+constexpr char kBarSettings[] = "Bar";
 constexpr Rect kFloatingPlace{100, 100, 600, 400};
 
 std::filesystem::path WorkingFolder() {
@@ -53,7 +55,8 @@ Plugin::Plugin()
 Plugin::OpenBook::OpenBook(Plugin& plugin)
     : log(SystemFiles(), SystemClock(), plugin.folder_.Log()),
       answers(settings),
-      bar({plugin.host_, plugin.entry_, SystemFiles(), SystemClock(), plugin.folder_, settings, log},
+      notices(SystemClock()),
+      bar({plugin.host_, plugin.entry_, SystemFiles(), SystemClock(), plugin.folder_, settings, log, notices},
           [&plugin] { plugin.BarGone(); }) {
     settings.LoadFile(SystemFiles(), plugin.folder_.Settings());
 }
@@ -94,18 +97,27 @@ void Plugin::CreateBar() {
         BarGone();
         return;
     }
-    user_.Attach(open_->bar.Window(), &open_->log, &open_->answers);
-    open_->bar.Dock(DockSide::Bottom);
+    user_.Attach(open_->bar.Window(), &open_->log, &open_->answers, &open_->notices);
+    PlaceBar();
     open_->bar.Show(true);
+}
+
+// Where the user left it; the first time at the bottom of the frame.
+void Plugin::PlaceBar() {
+    DockState place = open_->bar.State();
+    place.side = DockSide::Bottom;
+    LoadBarPlace(open_->settings, kBarSettings, place);
+    open_->bar.SetState(place);
 }
 
 // The bar's window is no more: everything that lived with it goes, and the next call makes a new one.
 void Plugin::BarGone() {
     if (!open_) return;
     ClosePopups();
-    user_.Attach(nullptr, nullptr, nullptr);
+    user_.Attach(nullptr, nullptr, nullptr, nullptr);
     SetFailureLog(nullptr);
-    if (open_->answers.Changed()) open_->settings.SaveFile(SystemFiles(), folder_.Settings());
+    if (created_) SaveBarPlace(open_->settings, kBarSettings, open_->bar.State());
+    open_->settings.SaveFile(SystemFiles(), folder_.Settings());
     created_ = false;
     const std::unique_ptr<OpenBook> gone = std::move(open_);
     ReleaseLibrary();

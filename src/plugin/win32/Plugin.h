@@ -42,11 +42,13 @@ class Plugin final : public IPluginHandlers {
         CFileLog log;
         CVELTPXMLSettings settings;
         RememberedAnswers answers;
+        NoticeList notices;
         CDravelBar bar;
     };
 
     Plugin();
     void CreateBar();
+    void PlaceBar();
     void BarGone();
     void HandOverPendingItems();
     void HoldLibrary();

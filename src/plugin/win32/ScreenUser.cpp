@@ -29,13 +29,15 @@ std::uint32_t ScreenUser::Box(std::string_view text, std::string_view caption, B
 
 void ScreenUser::Notice(std::string_view text) {
     if (log_) log_->Line(LogLevel::Info, "Notice", text);
+    if (notices_) notices_->Add(text);
     ShowPopup(window_, Widen(text).c_str());
 }
 
-void ScreenUser::Attach(void* window, ILog* log, RememberedAnswers* answers) {
+void ScreenUser::Attach(void* window, ILog* log, RememberedAnswers* answers, NoticeList* notices) {
     window_ = window;
     log_ = log;
     answers_ = answers;
+    notices_ = notices;
 }
 
 }  // namespace Dravel

@@ -3,6 +3,7 @@
 
 #include "host/User.h"
 #include "support/Log.h"
+#include "tradebook/base/NoticeList.h"
 #include "tradebook/base/RememberedAnswers.h"
 
 namespace Dravel {
@@ -14,14 +15,15 @@ class ScreenUser final : public IUser {
                       std::uint8_t remember) override;
     void Notice(std::string_view text) override;
 
-    // Where notices are logged and "Don't Ask Again" is kept, and the window (HWND) that both belong to; all
-    // null when the bar goes.
-    void Attach(void* window, ILog* log, RememberedAnswers* answers);
+    // Where notices are logged and listed and "Don't Ask Again" is kept, and the window (HWND) that they
+    // belong to; all null when the bar goes.
+    void Attach(void* window, ILog* log, RememberedAnswers* answers, NoticeList* notices);
 
  private:
     void* window_ = nullptr;
     ILog* log_ = nullptr;
     RememberedAnswers* answers_ = nullptr;
+    NoticeList* notices_ = nullptr;
 };
 
 }  // namespace Dravel

@@ -38,7 +38,7 @@ std::optional<std::uint32_t> RememberedAnswers::Find(std::string_view caption, s
 
 void RememberedAnswers::Remember(std::string_view caption, std::string_view text, std::uint32_t button) {
     if (!settings_.CreateKey(KeyOf(caption))) return;
-    changed_ |= settings_.WriteInteger(NameOf(text), static_cast<std::int32_t>(button));
+    settings_.WriteInteger(NameOf(text), static_cast<std::int32_t>(button));
 }
 
 }  // namespace Dravel

@@ -18,12 +18,9 @@ class RememberedAnswers {
     // The identifier of the button that was pressed then.
     std::optional<std::uint32_t> Find(std::string_view caption, std::string_view text) const;
     void Remember(std::string_view caption, std::string_view text, std::uint32_t button);
-    // Whether anything was remembered that the settings' file does not hold yet.
-    bool Changed() const { return changed_; }
 
  private:
     CKRVPRegistry& settings_;
-    bool changed_ = false;
 };
 
 }  // namespace Dravel

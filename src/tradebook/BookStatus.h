@@ -1,0 +1,25 @@
+// What the line below the grid says of the book.
+#pragma once
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <string>
+
+namespace Dravel {
+
+struct BookStatus {
+    std::uint64_t shown = 0, all = 0, selected = 0;  // trades
+    std::uint64_t bought = 0, sold = 0;              // quantities of all trades
+    bool changed = false;                            // since the last save
+    std::string notice;                              // the last one
+    bool operator==(const BookStatus&) const = default;
+};
+
+namespace statuspart {
+enum Index : std::size_t { Trades, Selected, Bought, Sold, Changed, Notice, Count };
+}
+
+std::array<std::string, statuspart::Count> StatusTexts(const BookStatus& status);
+
+}  // namespace Dravel
