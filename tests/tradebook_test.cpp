@@ -38,6 +38,9 @@ class BookTest : public testing::Test, protected IBookObserver {
     BookTest() { book.SetObserver(this); }
     void RowAddedOnTop() override { ++added; }
     void RowsReset() override { ++resets; }
+    void RowEdited(TradeItem) override {}
+    void RowsRemoved(std::span<const std::uint32_t>, std::span<const TradeItem>) override {}
+    void RowMoved(std::uint32_t, std::uint32_t) override {}
     void ChangedFlagSet(bool changed) override { flags += changed ? '+' : '-'; }
     void BatchBegins() override {}
     void BatchEnds() override {}

@@ -15,7 +15,7 @@ CDravelBar::~CDravelBar() {
 
 bool CDravelBar::OnCreate() {
     OpenStore();
-    grid_ = std::make_unique<CDravelGrid>(host_, book_, context_.entry, context_.settings);
+    grid_ = std::make_unique<CDravelGrid>(host_, context_.user, book_, context_.entry, context_.settings);
     if (!grid_->Create(Window(), Content(), 0)) return false;
     LoadBook();
     MakeStatusLine();
@@ -58,7 +58,7 @@ void CDravelBar::StatusStale() {
 
 void CDravelBar::ShowStatus() {
     const auto& notices = context_.notices.All();
-    const auto texts = StatusTexts({.shown = grid_->Model().RowCount(),
+    const auto texts = StatusTexts({.shown = grid_->ShownTrades(),
                                     .all = book_.RowCount(),
                                     .selected = grid_->Selection().RowCount(),
                                     .bought = book_.Totals().bought,

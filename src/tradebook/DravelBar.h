@@ -21,6 +21,7 @@ namespace Dravel {
 // What the bar needs of the world. All outlive the bar.
 struct BarContext {
     IHost& host;
+    IUser& user;
     IEntry& entry;
     IFiles& files;
     IClock& clock;

@@ -20,8 +20,8 @@ constexpr GridAccelerator kKeys[] = {
 
 }  // namespace
 
-CDravelGrid::CDravelGrid(IHost& host, TradeBook& book, IEntry& entry, CKRVPRegistry& settings)
-    : host_(host), book_(book), entry_(entry), settings_(settings) {
+CDravelGrid::CDravelGrid(IHost& host, IUser& user, TradeBook& book, IEntry& entry, CKRVPRegistry& settings)
+    : host_(host), user_(user), book_(book), entry_(entry), settings_(settings) {
     book_.SetObserver(this);
 }
 
@@ -89,21 +89,6 @@ void CDravelGrid::ApplyProperties() {
     FreezeColumns(properties_.columnFreeze);
     ShowRowLines(properties_.showGridRow);
     Redraw();
-}
-
-void CDravelGrid::CellText(std::uint32_t row, int column, std::string& text) const {
-    Dravel::CellText(book_.Row(row), column, text);
-}
-
-GridRowStyle CDravelGrid::RowStyle(std::uint32_t row) const {
-    return properties_.StyleOf(book_.Row(row));
-}
-
-const TradeRecord* CDravelGrid::SelectedTrade() const {
-    if (Selection().Empty()) return nullptr;
-    const std::uint32_t current = CurrentRow();
-    const std::uint32_t row = Selection().Contains(current) ? current : Selection().Ranges().front().first;
-    return row < book_.RowCount() ? &book_.Row(row) : nullptr;
 }
 
 void CDravelGrid::OnFocus(bool gained) {

@@ -5,9 +5,11 @@
 #include <string>
 
 #include "host/Host.h"
+#include "host/User.h"
 #include "tradebook/EntryPort.h"
 #include "tradebook/GridProperties.h"
 #include "tradebook/TradeBook.h"
+#include "tradebook/TradeRows.h"
 #include "tradebook/base/VELTSGridCtrl.h"
 
 namespace Dravel {
@@ -26,9 +28,13 @@ inline constexpr char kGridKey[] = "TradeGrid";
 }  // namespace Dravel
 
 // User-interface thread. Shows the book given, which outlives it; nothing of a trade is stored here.
-class CDravelGrid final : public CVELTSGridCtrl, private Dravel::IGridSource, private Dravel::IBookObserver {
+class CDravelGrid final : public CVELTSGridCtrl,
+                          private Dravel::IGridSource,
+                          private Dravel::IBookObserver,
+                          private Dravel::IRowDisplay {
  public:
-    CDravelGrid(Dravel::IHost& host, Dravel::TradeBook& book, Dravel::IEntry& entry, CKRVPRegistry& settings);
+    CDravelGrid(Dravel::IHost& host, Dravel::IUser& user, Dravel::TradeBook& book, Dravel::IEntry& entry,
+                CKRVPRegistry& settings);
     ~CDravelGrid() override;
 
     // Takes the properties out of the settings and applies them. When trades are reported at all ("Trade For
@@ -40,6 +46,15 @@ class CDravelGrid final : public CVELTSGridCtrl, private Dravel::IGridSource, pr
     const TradeRecord* SelectedTrade() const;
     // Called after rows, selection or the changed flag may have changed; empty: nobody listens.
     void SetStatusListener(std::function<void()> listener) { statusListener_ = std::move(listener); }
+    // The trades of the selected rows, from the top one down; heads of groups are none.
+    std::vector<Dravel::TradeItem> SelectedItems() const;
+
+    // Trades that the filter lets pass, and all.
+    std::uint32_t ShownTrades() const { return rows_.ShownTrades(); }
+    std::uint32_t TradeCount() const { return book_.RowCount(); }
+    // Puts the rows into the order and selection of rows that the model's sort marks, groups and filter texts
+    // say. The grid calls it when the user changed them; whoever else does calls it afterwards.
+    void ArrangeRows();
 
  private:
     bool OnCreate() override;
@@ -47,18 +62,35 @@ class CDravelGrid final : public CVELTSGridCtrl, private Dravel::IGridSource, pr
     void OnContextMenu(int x, int y, const Dravel::GridHit& hit) override;
     void OnFocus(bool gained) override;
 
-    std::uint32_t RowCount() const override { return book_.RowCount(); }
+    // The rows (DravelGridRows.cpp)
+    std::uint32_t RowCount() const override { return rows_.RowCount(); }
     void CellText(std::uint32_t row, int column, std::string& text) const override;
     Dravel::GridRowStyle RowStyle(std::uint32_t row) const override;
+    Dravel::GridGroupHead GroupHead(std::uint32_t row) const override { return rows_.Head(row); }
+    void GroupText(std::uint32_t row, std::string& text) const override;
+    bool IsItemFilteredByFilterBar(std::uint32_t item, int column, std::string_view text) const override;
+    void OnSortChanged() override { ArrangeRows(); }
+    void OnFilterChanged(int) override { ArrangeRows(); }
+    void OnGroupsChanged() override { ArrangeRows(); }
+    void OnGroupToggled(std::uint32_t row) override { rows_.Toggle(row); }
+    bool OnKeyDown(std::uint32_t key, Dravel::GridModifierKeys modifiers, bool repeated) override;
+    bool MoveCurrentRow(bool up);
+    const TradeRecord* TradeAt(std::uint32_t row) const;  // nullptr: no trade stands there
 
-    void RowAddedOnTop() override {
-        RowsInserted(0, 1);
-        StatusStale();
-    }
+    void RowAddedOnTop() override;
     void RowsReset() override {
-        CVELTSGridCtrl::RowsReset();
+        rows_.RowsReset();
         StatusStale();
     }
+    void RowEdited(Dravel::TradeItem item) override {
+        rows_.RowEdited(item);
+        StatusStale();
+    }
+    void RowsRemoved(std::span<const std::uint32_t> rows, std::span<const Dravel::TradeItem> items) override {
+        rows_.RowsRemoved(rows, items);
+        StatusStale();
+    }
+    void RowMoved(std::uint32_t from, std::uint32_t to) override { rows_.RowMoved(from, to); }
     void ChangedFlagSet(bool) override { StatusStale(); }
     void OnSelectionChanged() override { StatusStale(); }
     void StatusStale() const {
@@ -67,15 +99,28 @@ class CDravelGrid final : public CVELTSGridCtrl, private Dravel::IGridSource, pr
     void BatchBegins() override { BeginUpdate(); }
     void BatchEnds() override { EndUpdate(); }
 
+    void Inserted(std::uint32_t at, std::uint32_t count) override { RowsInserted(at, count); }
+    void Removed(std::uint32_t at, std::uint32_t count) override { CVELTSGridCtrl::RowsRemoved(at, count); }
+    void Swapped(std::uint32_t a, std::uint32_t b) override { RowsSwapped(a, b); }
+    void Reordered(std::uint32_t count, const std::function<std::uint32_t(std::uint32_t)>& newRow) override {
+        RowsReordered(count, newRow);
+    }
+    void Reset() override { CVELTSGridCtrl::RowsReset(); }
+    void Changed(std::uint32_t row) override { RedrawRow(row); }
+
     void InsertColumns();
     void ApplyFont();
     void ApplyProperties();
     void AnnounceGrid();
 
     Dravel::IHost& host_;
+    Dravel::IUser& user_;
     Dravel::TradeBook& book_;
     Dravel::IEntry& entry_;
     CKRVPRegistry& settings_;
     Dravel::GridProperties properties_;
+    Dravel::TradeRows rows_{book_, *this};
+    bool firstRowAdded_ = false;
+    Dravel::TradeItem selectedAtFirst_ = Dravel::kNoItem;  // when the first row was added
     std::function<void()> statusListener_;
 };

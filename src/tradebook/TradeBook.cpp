@@ -22,13 +22,16 @@ std::int32_t IdentifierOf(const TradeRecord& record) {
 }  // namespace
 
 void TradeBook::BeginLoad() {
+    const bool shown = !rows_.empty();
     store_.Clear();
     rows_.clear();
+    ranks_.clear();
     trades_.Clear();
     keys_.Clear();
     totals_ = {};
     counter_ = 0;
     SetChanged(false);
+    if (shown && observer_) observer_->RowsReset();
 }
 
 void TradeBook::Load(const TradeRecord& record, bool deleted) {
@@ -50,6 +53,9 @@ void TradeBook::Load(const TradeRecord& record, bool deleted) {
 void TradeBook::EndLoad() {
     std::erase_if(rows_, [this](TradeStore::Slot slot) { return store_[slot].deleted != 0; });
     std::reverse(rows_.begin(), rows_.end());
+    ranks_.resize(store_.Size());
+    for (std::size_t i = 0; i < rows_.size(); ++i)
+        ranks_[rows_[i]] = static_cast<std::uint32_t>(i);
     NameNamelessTrades();
     keys_.Reserve(rows_.size());
     for (const TradeStore::Slot slot : rows_)
@@ -99,7 +105,7 @@ std::int32_t TradeBook::AddFromHost(TradeRecord& record) {
 void TradeBook::AddTrade(TradeRecord& record, bool secondReport) {
     if (!record.security) record.security = securities_.Find(record);
     const TradeStore::Slot slot = store_.Add(record);
-    rows_.push_back(slot);
+    PushRow(slot);
     trades_.Insert(IdentifierOf(record), slot);
     Enter(record);
     ++revision_;
@@ -112,6 +118,97 @@ void TradeBook::Enter(const TradeRecord& record) {
     keys_.Enter(record);
     if (record.side == side::Buy) totals_.bought += record.quantity;
     if (record.side == side::Sell) totals_.sold += record.quantity;
+}
+
+void TradeBook::Leave(const TradeRecord& record) {
+    keys_.Remove(record);
+    if (record.side == side::Buy) totals_.bought -= record.quantity;
+    if (record.side == side::Sell) totals_.sold -= record.quantity;
+}
+
+// Ranks have gaps where trades went, so the next one follows from the top row's and not from their number.
+void TradeBook::PushRow(TradeItem item) {
+    const std::uint32_t rank = rows_.empty() ? 0 : ranks_[rows_.back()] + 1;
+    ranks_.resize(store_.Size());
+    ranks_[item] = rank;
+    rows_.push_back(item);
+}
+
+std::uint32_t TradeBook::RowOf(TradeItem item) const {
+    if (item >= ranks_.size() || store_[item].deleted) return kNoBookRow;
+    const auto below = [this](TradeItem row, std::uint32_t rank) { return ranks_[row] < rank; };
+    const auto found = std::lower_bound(rows_.begin(), rows_.end(), ranks_[item], below);
+    if (found == rows_.end() || *found != item) return kNoBookRow;
+    return static_cast<std::uint32_t>(rows_.end() - found) - 1;
+}
+
+bool TradeBook::Edit(TradeItem item, TradeRecord record) {
+    if (RowOf(item) == kNoBookRow) return false;
+    TradeRecord& stored = store_[item].record;
+    record.veltTradeID = stored.veltTradeID;
+    if (!record.security) record.security = securities_.Find(record);
+    Leave(stored);
+    stored = record;
+    Enter(stored);
+    ++revision_;
+    SetChanged(true);
+    if (observer_) observer_->RowEdited(item);
+    ReportTrade(host_, store_[item].record, {.trade = !analysisOnly_});
+    return true;
+}
+
+// Ascending, each once.
+std::vector<std::uint32_t> TradeBook::RowsOf(std::span<const TradeItem> items) const {
+    std::vector<std::uint32_t> rows;
+    rows.reserve(items.size());
+    for (const TradeItem item : items) {
+        if (const std::uint32_t row = RowOf(item); row != kNoBookRow) rows.push_back(row);
+    }
+    std::sort(rows.begin(), rows.end());
+    rows.erase(std::unique(rows.begin(), rows.end()), rows.end());
+    return rows;
+}
+
+std::uint32_t TradeBook::Delete(std::span<const TradeItem> wanted) {
+    const std::vector<std::uint32_t> rows = RowsOf(wanted);
+    if (rows.empty()) return 0;
+    std::vector<TradeItem> items;
+    items.reserve(rows.size());
+    for (const std::uint32_t row : rows) {
+        items.push_back(ItemAt(row));
+        store_[items.back()].deleted = 1;
+        Leave(Record(items.back()));
+    }
+    // One pass over what lies above the lowest row that goes, however many go.
+    const auto at = [this](std::uint32_t row) { return rows_.end() - 1 - row; };
+    auto keep = at(rows.back());
+    for (std::size_t i = rows.size(); i-- > 0;)
+        keep = std::copy(at(rows[i]) + 1, i == 0 ? rows_.end() : at(rows[i - 1]), keep);
+    rows_.erase(keep, rows_.end());
+    ++revision_;
+    SetChanged(true);
+    if (observer_) observer_->RowsRemoved(rows, items);
+    for (const TradeItem item : items)
+        ReportTrade(host_, store_[item].record, {.trade = !analysisOnly_, .second = true});
+    return static_cast<std::uint32_t>(items.size());
+}
+
+// The ranks stay where they are: each belongs to a place, and the trades change places.
+void TradeBook::MoveRow(std::uint32_t from, std::uint32_t to) {
+    if (from >= RowCount() || to >= RowCount() || from == to) return;
+    const auto at = [this](std::uint32_t row) { return rows_.end() - 1 - row; };
+    const auto first = at(std::max(from, to)), last = at(std::min(from, to)) + 1;
+    std::vector<std::uint32_t> ranks;
+    for (auto row = first; row != last; ++row)
+        ranks.push_back(ranks_[*row]);
+    if (from < to) {
+        std::rotate(first, last - 1, last);
+    } else {
+        std::rotate(first, first + 1, last);
+    }
+    for (auto row = first; row != last; ++row)
+        ranks_[*row] = ranks[static_cast<std::size_t>(row - first)];
+    if (observer_) observer_->RowMoved(from, to);
 }
 
 void TradeBook::SetChanged(bool changed) {

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <span>
 #include <vector>
 
 #include "host/Host.h"
@@ -14,12 +15,23 @@
 
 namespace Dravel {
 
+// A trade of the book for as long as the book is loaded, whatever happens to its row; also that of a deleted
+// one. Counted 0, 1, 2, ... in the order in which the trades came.
+using TradeItem = TradeStore::Slot;
+inline constexpr TradeItem kNoItem = TradeIndex::kNone;
+inline constexpr std::uint32_t kNoBookRow = 0xFFFFFFFF;
+
 // Told of every change of the rows, after it happened. Row 0 is the top row.
 class IBookObserver {
  public:
     virtual ~IBookObserver() = default;
     virtual void RowAddedOnTop() = 0;
     virtual void RowsReset() = 0;
+    virtual void RowEdited(TradeItem item) = 0;
+    // `rows` ascending, as they were numbered before; `items[i]` stood in `rows[i]`.
+    virtual void RowsRemoved(std::span<const std::uint32_t> rows, std::span<const TradeItem> items) = 0;
+    // The trade of row `from` now stands in row `to`; those between moved by one.
+    virtual void RowMoved(std::uint32_t from, std::uint32_t to) = 0;
     virtual void ChangedFlagSet(bool changed) = 0;
     // Between the two the rows may be shown late. They nest.
     virtual void BatchBegins() = 0;
@@ -53,6 +65,15 @@ class TradeBook final : public ITradeSink {
     // holds, and is reported a second time too.
     std::int32_t AddFromHost(TradeRecord& record);
     bool Holds(const TradeRecord& record) const override { return keys_.Holds(record); }
+    // Puts `record` in the place of the trade, which keeps its identifier, looks up the contract when the
+    // record has none, reports the trade and sets the changed flag. False: the trade was deleted.
+    bool Edit(TradeItem item, TradeRecord record);
+    // Takes the trades out of rows, keys and totals and sets the changed flag; they keep their mark in the
+    // map. Each is reported a second time, too. Items without a row are passed over. Returns how many went.
+    std::uint32_t Delete(std::span<const TradeItem> items);
+    // Changes the order that is saved and nothing else: the changed flag stays as it is. Rows that do not
+    // exist change nothing. O(rows between the two).
+    void MoveRow(std::uint32_t from, std::uint32_t to);
     void BeginBatch() override {
         if (observer_) observer_->BatchBegins();
     }
@@ -64,7 +85,17 @@ class TradeBook final : public ITradeSink {
     void ReportAll() const;
 
     std::uint32_t RowCount() const { return static_cast<std::uint32_t>(rows_.size()); }
-    const TradeRecord& Row(std::uint32_t row) const { return store_[rows_[rows_.size() - 1 - row]].record; }
+    const TradeRecord& Row(std::uint32_t row) const { return Record(ItemAt(row)); }
+    TradeItem ItemAt(std::uint32_t row) const { return rows_[rows_.size() - 1 - row]; }
+    // kNoBookRow when the trade has no row. O(log rows).
+    std::uint32_t RowOf(TradeItem item) const;
+    // Falls from the top row to the bottom one; changes only for trades that move.
+    std::uint32_t Rank(TradeItem item) const { return ranks_[item]; }
+    const TradeRecord& Record(TradeItem item) const { return store_[item].record; }
+    // One more than the largest item there ever was since loading.
+    std::uint32_t ItemCount() const { return store_.Size(); }
+    // kNoItem when no trade has the identifier; a deleted one is found.
+    TradeItem ItemOf(std::int32_t tradeID) const { return tradeID < 1 ? kNoItem : trades_.Find(tradeID); }
     // nullptr when no trade has the identifier. Deleted trades are found too: they keep their mark until the
     // next load.
     const StoredTrade* Find(std::int32_t tradeID) const;
@@ -84,12 +115,16 @@ class TradeBook final : public ITradeSink {
     void NameNamelessTrades();
     std::int32_t NextIdentifier();
     void Enter(const TradeRecord& record);
+    void Leave(const TradeRecord& record);
+    void PushRow(TradeItem item);
+    std::vector<std::uint32_t> RowsOf(std::span<const TradeItem> items) const;
 
     IHost& host_;
     SecurityLookup securities_;
     IBookObserver* observer_ = nullptr;
     TradeStore store_;
-    std::vector<TradeStore::Slot> rows_;  // the last is the top row, so that a trade comes in at the end
+    std::vector<TradeItem> rows_;       // the last is the top row, so that a trade comes in at the end
+    std::vector<std::uint32_t> ranks_;  // by item; ascending along rows_, so that an item's row can be found
     TradeIndex trades_;
     DuplicateKeys keys_;
     RunningTotals totals_;

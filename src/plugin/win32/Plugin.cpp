@@ -56,7 +56,8 @@ Plugin::OpenBook::OpenBook(Plugin& plugin)
     : log(SystemFiles(), SystemClock(), plugin.folder_.Log()),
       answers(settings),
       notices(SystemClock()),
-      bar({plugin.host_, plugin.entry_, SystemFiles(), SystemClock(), plugin.folder_, settings, log, notices},
+      bar({plugin.host_, plugin.user_, plugin.entry_, SystemFiles(), SystemClock(), plugin.folder_, settings,
+           log, notices},
           [&plugin] { plugin.BarGone(); }) {
     settings.LoadFile(SystemFiles(), plugin.folder_.Settings());
 }
