@@ -28,7 +28,7 @@ namespace fs = std::filesystem;
 // A terminal without callbacks: what it costs to be told is not the import's.
 class SilentHost final : public IHost {
  public:
-    MasterAnswer Ask(std::uint32_t, std::initializer_list<const char*>) override { return {}; }
+    MasterAnswer Ask(std::uint32_t, std::span<const char* const>) override { return {}; }
     bool HasSecurityMaster() const override { return false; }
     void Send(CTagMessageWriter&) override {}
     bool Listens() const override { return false; }

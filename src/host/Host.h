@@ -4,6 +4,7 @@
 
 #include <cstdint>
 #include <initializer_list>
+#include <span>
 
 #include "host/HostTypes.h"
 
@@ -17,7 +18,10 @@ class IHost {
     virtual ~IHost() = default;
     // `kind` is one of master::*, at most 6 texts. The answer is all zero when there is none; it stays valid
     // until the next request.
-    virtual MasterAnswer Ask(std::uint32_t kind, std::initializer_list<const char*> texts) = 0;
+    virtual MasterAnswer Ask(std::uint32_t kind, std::span<const char* const> texts) = 0;
+    MasterAnswer Ask(std::uint32_t kind, std::initializer_list<const char*> texts) {
+        return Ask(kind, std::span(texts.begin(), texts.size()));
+    }
     // Whether there is a security master to ask at all: who remembers answers need not remember that there
     // are none.
     virtual bool HasSecurityMaster() const = 0;

@@ -23,7 +23,7 @@ class FakeHost final : public IHost {
     bool listens = true;
     bool hasMaster = true;
     std::vector<Frame> sent;
-    std::function<void()> onSend;                     // a terminal that calls back while it is being told
+    std::function<void()> onSend, onAsk;              // a terminal that calls back while it is told or asked
     std::map<std::uint32_t, int> asked;               // times, by kind
     std::vector<std::vector<std::string>> questions;  // texts, in order
 
@@ -43,18 +43,27 @@ class FakeHost final : public IHost {
         return entry;
     }
 
-    MasterAnswer Ask(std::uint32_t kind, std::initializer_list<const char*> texts) override {
+    // What it offers for a cell, given the cells before it.
+    void Offer(std::uint32_t kind, const std::vector<std::string>& texts, std::vector<std::string> choices) {
+        offers_[{kind, texts}] = std::move(choices);
+    }
+
+    MasterAnswer Ask(std::uint32_t kind, std::span<const char* const> texts) override {
         ++asked[kind];
+        if (onAsk) onAsk();
         MasterAnswer answer{};
-        if (kind == master::Clients) {
+        const auto answerWith = [&](const std::vector<std::string>& choices) {
             list_.clear();
-            for (const std::string& client : clients)
-                list_.push_back(client.c_str());
+            for (const std::string& choice : choices)
+                list_.push_back(choice.c_str());
             answer.count = static_cast<std::uint32_t>(list_.size());
             answer.list = list_.data();
             return answer;
-        }
+        };
+        if (kind == master::Clients) return answerWith(clients);
         questions.emplace_back(texts.begin(), texts.end());
+        if (const auto offer = offers_.find({kind, questions.back()}); offer != offers_.end())
+            return answerWith(offer->second);
         const auto found = byTexts_.find(questions.back());
         if (found != byTexts_.end()) answer.entry = found->second;
         return answer;
@@ -80,6 +89,7 @@ class FakeHost final : public IHost {
  private:
     std::deque<SecurityMasterEntry> entries_;
     std::map<std::vector<std::string>, const SecurityMasterEntry*> byTexts_;
+    std::map<std::pair<std::uint32_t, std::vector<std::string>>, std::vector<std::string>> offers_;
     std::vector<const char*> list_;
 };
 

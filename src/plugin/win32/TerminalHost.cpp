@@ -9,7 +9,7 @@
 
 namespace Dravel {
 
-MasterAnswer TerminalHost::Ask(std::uint32_t kind, std::initializer_list<const char*> texts) {
+MasterAnswer TerminalHost::Ask(std::uint32_t kind, std::span<const char* const> texts) {
     MasterAnswer answer{};
     const auto ask = DLLComman().GetMasterRequest();
     if (!ask) return answer;

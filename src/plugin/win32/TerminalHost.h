@@ -12,7 +12,7 @@ class TerminalHost final : public IHost {
  public:
     explicit TerminalHost(std::uint64_t messageEntry) : messageEntry_(messageEntry) {}
 
-    MasterAnswer Ask(std::uint32_t kind, std::initializer_list<const char*> texts) override;
+    MasterAnswer Ask(std::uint32_t kind, std::span<const char* const> texts) override;
     bool HasSecurityMaster() const override;
     void Send(CTagMessageWriter& frame) override;
     bool Listens() const override;

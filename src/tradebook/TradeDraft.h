@@ -1,0 +1,111 @@
+// Trades that are being typed: what stands in their cells until they are ready to enter the book.
+#pragma once
+
+#include <algorithm>
+#include <array>
+#include <bitset>
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "tradebook/TradeBook.h"
+#include "tradebook/TradeColumns.h"
+
+namespace Dravel {
+
+// A new row, or cells laid over a trade of the book. Cells that nobody set say what the trade says; those of
+// a new row are empty.
+struct TradeDraft {
+    std::uint32_t id = 0;      // of its own among all drafts of the sheet's life
+    TradeItem item = kNoItem;  // the trade that it lies over; kNoItem: a new row
+    std::array<std::string, column::Count> cells;
+    std::bitset<column::Count> set;  // cells that the user or the cascade set
+
+    bool New() const { return item == kNoItem; }
+    void Set(int column, std::string_view text) {
+        cells[static_cast<std::size_t>(column)] = text;
+        set.set(static_cast<std::size_t>(column));
+    }
+};
+
+// The text of a cell, into `text` (emptied first).
+inline void DraftCell(const TradeDraft& draft, const TradeBook& book, int column, std::string& text) {
+    text.clear();
+    if (draft.set.test(static_cast<std::size_t>(column))) {
+        text = draft.cells[static_cast<std::size_t>(column)];
+    } else if (!draft.New()) {
+        CellText(book.Record(draft.item), column, text);
+    }
+}
+
+// All drafts of a grid. User-interface thread. A draft stays at its address until it is removed.
+class DraftSheet {
+ public:
+    // The new rows, the youngest on top.
+    std::uint32_t NewCount() const { return static_cast<std::uint32_t>(fresh_.size()); }
+    TradeDraft& NewAt(std::uint32_t row) { return *fresh_[fresh_.size() - 1 - row]; }
+    const TradeDraft& NewAt(std::uint32_t row) const { return *fresh_[fresh_.size() - 1 - row]; }
+    std::uint32_t RowOf(const TradeDraft& draft) const {  // of a new row
+        const auto found = std::find_if(fresh_.begin(), fresh_.end(),
+                                        [&](const auto& kept) { return kept.get() == &draft; });
+        return static_cast<std::uint32_t>(fresh_.end() - found - 1);
+    }
+    TradeDraft& AddOnTop() { return Add(fresh_); }
+    TradeDraft* Find(std::uint32_t id) const {
+        for (const auto* const drafts : {&fresh_, &over_}) {
+            for (const auto& draft : *drafts) {
+                if (draft->id == id) return draft.get();
+            }
+        }
+        return nullptr;
+    }
+
+    // The draft that lies over a trade; nullptr: none.
+    TradeDraft* Over(TradeItem item) const {
+        const auto found =
+            std::find_if(over_.begin(), over_.end(), [&](const auto& kept) { return kept->item == item; });
+        return found == over_.end() ? nullptr : found->get();
+    }
+    TradeDraft& LayOver(TradeItem item) {
+        if (TradeDraft* const there = Over(item)) return *there;
+        TradeDraft& draft = Add(over_);
+        draft.item = item;
+        return draft;
+    }
+
+    void Remove(const TradeDraft& draft) {
+        std::erase_if(draft.New() ? fresh_ : over_, [&](const auto& kept) { return kept.get() == &draft; });
+    }
+    void Clear() {
+        fresh_.clear();
+        over_.clear();
+    }
+    bool Empty() const { return fresh_.empty() && over_.empty(); }
+
+ private:
+    using Drafts = std::vector<std::unique_ptr<TradeDraft>>;
+    TradeDraft& Add(Drafts& drafts) {
+        drafts.push_back(std::make_unique<TradeDraft>());
+        drafts.back()->id = ++lastID_;
+        return *drafts.back();
+    }
+
+    Drafts fresh_, over_;  // fresh_: the last is the top row
+    std::uint32_t lastID_ = 0;
+};
+
+// What trade entry asks of the grid that shows the drafts.
+class IDraftView {
+ public:
+    virtual ~IDraftView() = default;
+    virtual void ShowColumn(int column) = 0;  // one that was hidden comes to the right end
+    virtual void DraftChanged(const TradeDraft& draft) = 0;
+    // The draft became the trade `item` of the book, or one that it changed. The draft is removed.
+    virtual void DraftEntered(TradeDraft& draft, TradeItem item) = 0;
+    // Makes the cell the current one and takes the keyboard. Nothing when the draft is gone by now.
+    virtual void GoTo(std::uint32_t draftID, int column) = 0;
+};
+
+}  // namespace Dravel

@@ -1,0 +1,254 @@
+// Typing trades: a fixture that types cells and shows what became of the row.
+#include "entry/TradeEntry.h"
+
+#include <gtest/gtest.h>
+
+#include "message/Tags.h"
+#include "support/FakeHost.h"
+#include "support/FakeUser.h"
+
+namespace Dravel {
+namespace {
+
+using Test::FakeHost;
+using Test::FakeUser;
+using Strings = std::vector<std::string>;
+
+class Entering : public testing::Test, protected IUiThread, protected IDraftView {
+ protected:
+    Entering() {
+        host.Offer(master::Exchanges, {}, {"XNSE", "XBSE"});
+        host.Offer(master::SecurityTypes, {"XNSE"}, {"INDEX", "FUTIDX", "OPTIDX", "EQUITY"});
+        host.Offer(master::Symbols, {"XNSE", "INDEX"}, {"IND50"});
+        host.Offer(master::Symbols, {"XNSE", "FUTIDX"}, {"IND50", "BNK12"});
+        host.Offer(master::Symbols, {"XNSE", "OPTIDX"}, {"IND50"});
+        host.Offer(master::Expiries, {"XNSE", "FUTIDX", "IND50"}, {"26Feb2026", "26Mar2026"});
+        host.Offer(master::Expiries, {"XNSE", "OPTIDX", "IND50"}, {"26Feb2026"});
+        host.Offer(master::OptionTypes, {"XNSE", "OPTIDX", "IND50", "26Feb2026"}, {"CE", "PE"});
+        host.Offer(master::Strikes, {"XNSE", "OPTIDX", "IND50", "26Feb2026", "CE"}, {"24000", "24000.5"});
+        host.Offer(master::CtclEntries, {"XNSE"}, {"CTCL-1", "CTCL-2"});
+        host.Know({"XNSE", "INDEX", "IND50", ""});
+        host.Know({"XNSE", "FUTIDX", "IND50", "26Feb2026"});
+        host.Know({"XNSE", "OPTIDX", "IND50", "26Feb2026", "CE", "24000.5"});
+        book.BeginLoad();
+        book.EndLoad();
+    }
+
+    // Types a text into a cell and ends its edit.
+    EditEnd Type(int column, std::string_view text) { return entry.EndEdit(*draft, column, text, *this); }
+    void TypeAll(std::initializer_list<std::pair<int, std::string_view>> cells) {
+        for (const auto& [column, text] : cells)
+            last = Type(column, text);
+    }
+    std::string Cell(int column) {
+        std::string text;
+        DraftCell(*draft, book, column, text);
+        return text;
+    }
+    Strings Choices(int column, std::string_view typed = {}) {
+        Strings choices;
+        entry.Choices(*draft, column, typed, choices);
+        return choices;
+    }
+    std::size_t Reports(std::uint16_t code) const { return host.Sent(code).size(); }
+    void RunPosted() {
+        for (const auto& work : std::exchange(posted, {}))
+            work();
+    }
+
+    void Post(std::function<void()> work) override { posted.push_back(std::move(work)); }
+    void ShowColumn(int column) override { shown.push_back(column); }
+    void DraftChanged(const TradeDraft&) override {}
+    void DraftEntered(TradeDraft& entered, TradeItem item) override {
+        sheet.Remove(entered);
+        draft = nullptr;
+        became = item;
+    }
+    void GoTo(std::uint32_t draftID, int column) override {
+        if (sheet.Find(draftID)) went.push_back(column);
+    }
+
+    FakeHost host;
+    FakeUser user;
+    TradeBook book{host};
+    TradeEntry entry{host, user, book, *this};
+    DraftSheet sheet;
+    TradeDraft* draft = &sheet.AddOnTop();
+    TradeItem became = kNoItem;
+    EditEnd last{};
+    std::vector<int> shown, went;
+    std::vector<std::function<void()>> posted;
+};
+
+TEST_F(Entering, AFutureGoesCellByCellIntoTheBook) {
+    EXPECT_EQ(Choices(column::Exchange), (Strings{"XNSE", "XBSE"}));
+    Type(column::Exchange, "xnse");
+    EXPECT_EQ(Cell(column::Exchange), "XNSE");
+    EXPECT_EQ(Cell(column::CTCLID), "CTCL-1");
+    EXPECT_EQ(Cell(column::ProductType) + Cell(column::OrderType) + Cell(column::OpenClose), "CCELimitNONE");
+    EXPECT_EQ(entry.NextColumn(*draft, column::Exchange), column::SecurityType);
+    const int asked = host.asked[master::SecurityTypes];
+    EXPECT_EQ(Choices(column::SecurityType).size(), 4u);
+    EXPECT_EQ(host.asked[master::SecurityTypes], asked) << "the end of the exchange asked already";
+    TypeAll({{column::SecurityType, "fut"}, {column::Symbol, "IND50"}, {column::ExpiryDate, "26FEB2026"}});
+    EXPECT_EQ(Cell(column::SecurityType), "FUTIDX");
+    EXPECT_EQ(Cell(column::SecurityID), "ID2");
+    EXPECT_EQ(shown,
+              (std::vector<int>{column::SecurityType, column::Symbol, column::ExpiryDate, column::ClientID}));
+    EXPECT_EQ(entry.NextColumn(*draft, column::ExpiryDate), column::ClientID);
+    TypeAll({{column::ClientID, "C1"}, {column::Side, "b"}, {column::Quantity, "50"}});
+    EXPECT_EQ(last, EditEnd::Kept);
+    EXPECT_EQ(entry.Missing(*draft), "Still to be filled: Price");
+    EXPECT_EQ(entry.NextColumn(*draft, column::Quantity), column::Price);
+    EXPECT_EQ(Type(column::Price, "21.5"), EditEnd::Committed);
+    ASSERT_EQ(book.RowCount(), 1u);
+    const TradeRecord& trade = book.Row(0);
+    EXPECT_EQ(+trade.veltTradeID, 1u);
+    EXPECT_EQ(trade.side, 1);
+    EXPECT_EQ(+trade.quantity, 50u);
+    EXPECT_EQ(+trade.price, 21.5);
+    EXPECT_EQ(+trade.productType, 0u) << "CCE is no product type";
+    EXPECT_EQ(Reports(msg::TradeReport), 1u);
+    EXPECT_EQ(Reports(msg::SecondTradeReport), 0u);
+    EXPECT_TRUE(sheet.Empty());
+    EXPECT_TRUE(book.Changed());
+}
+
+TEST_F(Entering, AnOptionIsFoundByItsStrikeAsANumber) {
+    TypeAll({{column::Exchange, "XNSE"}, {column::SecurityType, "OPTIDX"}, {column::Symbol, "IND50"}});
+    EXPECT_EQ(entry.NextColumn(*draft, column::Symbol), column::ExpiryDate);
+    TypeAll({{column::ExpiryDate, "26Feb2026"}, {column::OptionType, "c"}});
+    EXPECT_EQ(entry.NextColumn(*draft, column::OptionType), column::StrikePrice);
+    EXPECT_EQ(Type(column::StrikePrice, "24000.50"), EditEnd::Kept);
+    EXPECT_EQ(Cell(column::StrikePrice), "24000.5");
+    EXPECT_EQ(Cell(column::SecurityID), "ID3");
+    // Another symbol lets go of all that hung on the old one.
+    Type(column::Symbol, "");
+    for (const int column : {column::ExpiryDate, column::OptionType, column::StrikePrice, column::SecurityID})
+        EXPECT_EQ(Cell(column), "") << column;
+    EXPECT_EQ(Cell(column::SecurityType), "OPTIDX");
+}
+
+TEST_F(Entering, AnIndexHasNoExpiry) {
+    TypeAll({{column::Exchange, "XNSE"}, {column::SecurityType, "index"}, {column::Symbol, "ind50"}});
+    EXPECT_EQ(host.asked[master::Expiries], 0);
+    EXPECT_EQ(Cell(column::SecurityID), "ID1");
+    EXPECT_EQ(entry.NextColumn(*draft, column::Symbol), column::ClientID);
+}
+
+TEST_F(Entering, WhatTheTerminalDoesNotOfferIsRefusedAndFreeWhereItOffersNothing) {
+    EXPECT_EQ(Type(column::Exchange, "X"), EditEnd::Refused) << "two begin so";
+    EXPECT_EQ(Type(column::Exchange, "NOWHERE"), EditEnd::Refused);
+    EXPECT_EQ(Cell(column::Exchange), "");
+    EXPECT_EQ(Type(column::VELTTradeID, "7"), EditEnd::Refused) << "read-only";
+    TypeAll({{column::Exchange, "XBSE"}, {column::SecurityType, "ANY"}, {column::Symbol, "THING"}});
+    EXPECT_EQ(Cell(column::Symbol), "THING");
+    EXPECT_EQ(entry.NextColumn(*draft, column::Symbol), column::ExpiryDate);
+}
+
+TEST_F(Entering, ListsOfSideAndProductGoWithATextThatTheCellDoesNotSay) {
+    EXPECT_EQ(Choices(column::Side), (Strings{"Buy", "Sell"}));
+    EXPECT_EQ(Choices(column::ProductType), (Strings{"CCE", "MME"}));
+    EXPECT_TRUE(Choices(column::Side, "b").empty());
+    Type(column::Side, "sell");
+    EXPECT_EQ(Cell(column::Side), "Sell");
+    EXPECT_EQ(Choices(column::Side, "s").size(), 2u);
+    EXPECT_TRUE(Choices(column::Side, "se").empty()) << "upper-cased it is not in the cell";
+    EXPECT_TRUE(Choices(column::Quantity).empty());
+}
+
+TEST_F(Entering, QuantityZeroSpeaksAndNothingElseDoes) {
+    TypeAll({{column::Side, "Buy"}, {column::Quantity, "50"}});
+    EXPECT_EQ(last, EditEnd::Kept);
+    TypeAll({{column::Price, "1"}});
+    EXPECT_EQ(last, EditEnd::Committed) << "a contract is not asked for";
+    draft = &sheet.AddOnTop();
+    TypeAll({{column::Side, "Buy"}, {column::Price, "1"}});
+    for (const char* quantity : {"0", "none", "-5", "99999999999"}) {
+        TypeAll({{column::Quantity, quantity}});
+        EXPECT_EQ(last, EditEnd::Spoken) << quantity;
+        EXPECT_TRUE(user.boxes.empty()) << "posted, not shown within the edit";
+        RunPosted();
+        EXPECT_EQ(user.boxes, Strings{"Error|Qty 0 is not allow"});
+        EXPECT_EQ(went, std::vector<int>{column::Quantity});
+        user.boxes.clear();
+        went.clear();
+    }
+    Type(column::Quantity, "0");
+    sheet.Remove(*draft);
+    RunPosted();
+    EXPECT_TRUE(went.empty()) << "the row is gone";
+    EXPECT_EQ(book.RowCount(), 1u);
+}
+
+TEST_F(Entering, AnyOtherSideIsCodeZero) {
+    TypeAll({{column::Side, "Both"}, {column::Quantity, "1"}, {column::Price, "2"}});
+    EXPECT_EQ(last, EditEnd::Committed);
+    EXPECT_EQ(book.Row(0).side, 0);
+}
+
+TEST_F(Entering, AChangedTradeKeepsWhatHasNoColumnAndItsKeyMoves) {
+    TradeRecord stored{};
+    stored.side = 1, stored.quantity = 10, stored.price = 5, stored.value20036 = 77;
+    SetText(stored.exchange, "XNSE"), SetText(stored.securityType, "FUTIDX"), SetText(stored.symbol, "IND50");
+    SetText(stored.expiryDate, "26Feb2026"), SetText(stored.exchangeTradeID, "T1");
+    book.Add(stored);
+    book.SetChanged(false);
+    host.sent.clear();
+    const TradeItem item = book.ItemAt(0);
+    draft = &sheet.LayOver(item);
+    EXPECT_EQ(Type(column::Price, "5"), EditEnd::Kept) << "nothing changed";
+    EXPECT_EQ(Reports(msg::TradeReport), 0u);
+    EXPECT_EQ(Type(column::ExchangeTradeID, "T2"), EditEnd::Kept) << "completes nothing";
+    EXPECT_EQ(Type(column::Price, "6.25"), EditEnd::Committed);
+    EXPECT_EQ(became, item);
+    EXPECT_EQ(book.RowCount(), 1u);
+    EXPECT_EQ(+book.Row(0).price, 6.25);
+    EXPECT_EQ(+book.Row(0).value20036, 77u);
+    EXPECT_EQ(+book.Row(0).veltTradeID, 1u);
+    EXPECT_FALSE(book.Holds(stored));
+    EXPECT_TRUE(book.Holds(book.Row(0)));
+    EXPECT_TRUE(book.Changed());
+    EXPECT_EQ(Reports(msg::TradeReport), 1u);
+    EXPECT_EQ(Reports(msg::SecondTradeReport), 0u);
+    // The contract's end is enough for a trade that is complete.
+    draft = &sheet.LayOver(item);
+    EXPECT_EQ(Type(column::ExpiryDate, "26Mar2026"), EditEnd::Kept) << "not found";
+    EXPECT_EQ(Type(column::ExpiryDate, "26Feb2026"), EditEnd::Committed);
+    EXPECT_EQ(TextOf(book.Row(0).securityID), "ID2");
+}
+
+TEST_F(Entering, AnalysisOnlyTradesAreKeptAndNotReported) {
+    book.SetAnalysisOnly(true);
+    TypeAll({{column::Side, "Buy"}, {column::Quantity, "1"}, {column::Price, "2"}});
+    EXPECT_EQ(book.RowCount(), 1u);
+    EXPECT_TRUE(host.sent.empty());
+}
+
+TEST_F(Entering, ATerminalWithoutAMasterOrOneThatCallsBackLosesNoRow) {
+    TradeRecord fromHost{};
+    host.onAsk = [&] {
+        host.onAsk = {};
+        book.AddFromHost(fromHost);
+        sheet.AddOnTop();
+    };
+    Type(column::Exchange, "XBSE");
+    EXPECT_EQ(Cell(column::Exchange), "XBSE");
+    EXPECT_EQ(book.RowCount(), 1u);
+    TypeAll({{column::Side, "Sell"}, {column::Quantity, "3"}, {column::Price, "4"}});
+    EXPECT_EQ(last, EditEnd::Committed);
+    EXPECT_EQ(+book.Row(0).quantity, 3u);
+    EXPECT_EQ(sheet.NewCount(), 1u);
+}
+
+TEST_F(Entering, OneHundredThousandLongChoicesAreOffered) {
+    Strings many;
+    for (int i = 0; i < 100000; ++i)
+        many.push_back(std::to_string(i) + std::string(900, 'x'));
+    host.Offer(master::Exchanges, {}, many);
+    EXPECT_EQ(Choices(column::Exchange).size(), many.size());
+    EXPECT_EQ(Type(column::Exchange, many[99999]), EditEnd::Kept);
+}
+
+}  // namespace
+}  // namespace Dravel
