@@ -24,6 +24,7 @@ std::span<const CommandEntry> PluginCommands();
 std::span<const CommandEntry> DialogCommands();
 std::span<const CommandEntry> GridCommands();
 std::span<const CommandEntry> BarCommands();
+std::span<const CommandEntry> HeaderCommands();
 std::span<const CommandEntry> CheckCommands();
 // nullptr when there is no command of this name.
 const CommandEntry* FindCommand(std::string_view name);

@@ -239,8 +239,8 @@ std::span<const CommandEntry> CheckCommands() {
 }
 
 const CommandEntry* FindCommand(std::string_view name) {
-    for (const auto table :
-         {PluginCommands(), DialogCommands(), GridCommands(), BarCommands(), CheckCommands()})
+    for (const auto table : {PluginCommands(), DialogCommands(), GridCommands(), HeaderCommands(),
+                             BarCommands(), CheckCommands()})
         for (const CommandEntry& command : table)
             if (command.name == name) return &command;
     return nullptr;

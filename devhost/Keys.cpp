@@ -58,16 +58,21 @@ INPUT MouseEvent(POINT at, DWORD flags) {
     return event;
 }
 
-}  // namespace
-
-bool SendKeys(std::string_view chord) {
-    std::vector<WORD> keys;
+bool ParseChord(std::string_view chord, std::vector<WORD>& keys) {
     for (std::string rest = Upper(chord); !rest.empty();) {
         const auto plus = rest.find('+');
         keys.push_back(KeyOf(rest.substr(0, plus)));
         if (!keys.back()) return false;
         rest = plus == std::string::npos ? "" : rest.substr(plus + 1);
     }
+    return true;
+}
+
+}  // namespace
+
+bool SendKeys(std::string_view chord) {
+    std::vector<WORD> keys;
+    if (!ParseChord(chord, keys)) return false;
     std::vector<INPUT> events;
     for (WORD key : keys)
         events.push_back(KeyEvent(key, false));
@@ -91,13 +96,19 @@ void TypeText(const std::wstring& text) {
     Send(events);
 }
 
-void SendClick(POINT at, Click click) {
+void SendClick(POINT at, Click click, std::string_view held) {
     const bool right = click == Click::Right;
+    std::vector<WORD> keys;
+    ParseChord(held, keys);
     std::vector<INPUT> events{MouseEvent(at, 0)};
+    for (WORD key : keys)
+        events.push_back(KeyEvent(key, false));
     for (int i = 0; i < (click == Click::Double ? 2 : 1); ++i) {
         events.push_back(MouseEvent(at, right ? MOUSEEVENTF_RIGHTDOWN : MOUSEEVENTF_LEFTDOWN));
         events.push_back(MouseEvent(at, right ? MOUSEEVENTF_RIGHTUP : MOUSEEVENTF_LEFTUP));
     }
+    for (WORD key : keys)
+        events.push_back(KeyEvent(key, true));
     Send(events);
 }
 

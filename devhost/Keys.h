@@ -13,8 +13,8 @@ bool SendKeys(std::string_view chord);
 void TypeText(const std::wstring& text);
 
 enum class Click { Left, Right, Double };
-// At a point of the screen.
-void SendClick(POINT at, Click click);
+// At a point of the screen, with the keys of a chord held ("ctrl", "shift", empty).
+void SendClick(POINT at, Click click, std::string_view held = {});
 void SendDrag(POINT from, POINT to);
 
 }  // namespace Dravel::DevHost

@@ -59,7 +59,7 @@ class Driver {
             {"up", GridKey::Up},       {"down", GridKey::Down},     {"left", GridKey::Left},
             {"right", GridKey::Right}, {"home", GridKey::Home},     {"end", GridKey::End},
             {"pgup", GridKey::PageUp}, {"pgdn", GridKey::PageDown}, {"space", GridKey::Space},
-            {"a", GridKey::A}};
+            {"a", GridKey::A},         {"tab", GridKey::Tab},       {"enter", GridKey::Enter}};
         for (const auto& [name, key] : keys) {
             if (word == name) {
                 model.Key(key, held);
@@ -98,6 +98,11 @@ TEST(GridModel, KeysMoveTheCurrentCellAsInASpreadsheet) {
         {"click 3 ctrl-right", "3:2 top 0 sel 3-3"},
         {"click 3 ctrl-a", "3:0 top 0 sel 0-19"},
         {"click 3 ctrl-down ctrl-up", "3:0 top 0 sel 3-3"},  // the owner's keys
+        {"click 3 tab tab tab", "3:2 top 0 sel 3-3"},
+        {"click 3 tab shift-tab shift-tab", "3:0 top 0 sel 3-3"},
+        {"click 3 shift-down enter", "5:0 top 1 sel 5-5"},  // moves, and does not extend
+        {"click 1 shift-enter shift-enter", "0:0 top 0 sel 0-0"},
+        {"click 3 ctrl-tab ctrl-enter", "3:0 top 0 sel 3-3"},
     });
 }
 

@@ -123,6 +123,51 @@ TEST_F(GridViewTest, WidthsFollowTheResolutionAndSurviveADrag) {
     EXPECT_EQ(columns[1].width, kMinColumnWidth);
 }
 
+TEST_F(GridViewTest, ADraggedHeaderPassesNoLockedColumn) {
+    // Shown: col100, col50, col60, col40 at 9, 109, 159, 219.
+    const struct {
+        int column, x, mark;
+    } drags[] = {
+        {0, 20, -1}, {0, 120, -1}, {0, 140, 2},  {0, 1000, 4}, {4, 20, 0},
+        {4, -50, 0}, {4, 218, -1}, {3, 208, -1}, {3, 80, 1},   {2, 20, -1},  // hidden
+    };
+    for (const auto& drag : drags)
+        EXPECT_EQ(view.DropMark(drag.column, drag.x), drag.mark) << drag.column << " to " << drag.x;
+    columns.SetLocked(1, true);
+    EXPECT_EQ(view.DropMark(0, 1000), -1);  // would push the locked one to the left
+    EXPECT_EQ(view.DropMark(4, -50), 2);
+    EXPECT_EQ(view.DropMark(1, 1000), -1);
+    EXPECT_EQ(columns.DragTarget(4, -7), 2);
+    EXPECT_EQ(columns.DragTarget(3, 99), 3);
+}
+
+TEST_F(GridViewTest, FilterFieldsFollowTheirColumns) {
+    EXPECT_EQ(view.FieldRect(0), (Rect{9, 20, 109, 32}));
+    EXPECT_EQ(view.FieldRect(3), (Rect{159, 20, 209, 32}));  // cut by the window's edge
+    EXPECT_EQ(view.FieldRect(4), Rect{});                    // beyond it
+    EXPECT_EQ(view.FieldRect(2), Rect{});                    // hidden
+    columns.SetFrozen(1);
+    view.SetScrollX(20);
+    EXPECT_EQ(view.FieldRect(1), (Rect{109, 20, 139, 32}));  // cut by the frozen part
+    view.SetScrollX(46);
+    EXPECT_EQ(view.FieldRect(1), Rect{});  // a sliver
+    EXPECT_EQ(view.FieldRect(0), (Rect{9, 20, 109, 32}));
+    view.SetMetrics({.headerHeight = 20, .bandHeight = 0, .rowHeight = 10, .rowHeaderWidth = 9});
+    EXPECT_EQ(view.FieldRect(0), Rect{});
+}
+
+TEST_F(GridViewTest, AGroupHeadIsOnePartWithABox) {
+    const GridHit cell = view.HitTest(120, 42);
+    const Rect outer = view.GroupBox(1, 0), inner = view.GroupBox(1, 1);
+    EXPECT_EQ(view.OnGroupHead(cell, outer.left + 2, 0), (GridHit{GridPart::GroupBox, 1, -1}));
+    EXPECT_EQ(view.OnGroupHead(cell, inner.left + 2, 0), (GridHit{GridPart::GroupHead, 1, -1}));
+    EXPECT_EQ(view.OnGroupHead(cell, inner.left + 2, 1).part, GridPart::GroupBox);
+    EXPECT_LT(inner.right, view.GroupTextLeft(1));
+    const GridHit header = view.HitTest(4, 42), nothing = view.HitTest(120, 5000);
+    EXPECT_EQ(view.OnGroupHead(header, 4, 0), header);
+    EXPECT_EQ(view.OnGroupHead(nothing, 120, 0), nothing);
+}
+
 TEST(GridSort, ClicksGoRoundAndCtrlKeepsTheOtherKeys) {
     GridSort sort;
     const struct {

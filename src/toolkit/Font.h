@@ -12,6 +12,8 @@ using FontBytes = std::array<std::byte, 92>;
 // The font that `window` draws with (the message font when it has none of its own). `window` may be null.
 FontBytes FontOfWindow(void* window);
 void SetFontFace(FontBytes& font, const wchar_t* face, int weight);
+// The same font for a window of another resolution: heights in a description count at the system's.
+FontBytes ScaleFont(const FontBytes& font, int dpi, int systemDpi);
 // The system's font dialog, starting from `font`. True when the user confirmed; `font` then holds the choice.
 bool ChooseFontDialog(void* owner, FontBytes& font);
 // An HFONT of these bytes, or null. The caller deletes it with DeleteFontHandle.

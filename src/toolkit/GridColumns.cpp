@@ -78,6 +78,16 @@ void GridColumns::Move(int column, int position) {
     Layout();
 }
 
+int GridColumns::DragTarget(int column, int position) const {
+    const int from = Position(column);
+    if (from < 0 || (*this)[column].locked) return from;
+    const int to = std::clamp(position, 0, ShownCount() - 1), step = to < from ? -1 : 1;
+    int at = from;
+    while (at != to && !(*this)[AtPosition(at + step)].locked)
+        at += step;
+    return at;
+}
+
 std::vector<std::int32_t> GridColumns::OrderArray() const {
     std::vector<std::int32_t> order(columns_.size(), -1);
     for (int position = 0; position < ShownCount(); ++position) {

@@ -44,6 +44,9 @@ class GridColumns {
     int AtPosition(int position) const;  // column number, -1: no such position
     int Position(int column) const;
     void Move(int column, int position);  // position brought into range
+    // Where a column that the mouse drags to `position` may go: as near as it comes without moving a locked
+    // one. A locked column stays where it is; -1: hidden.
+    int DragTarget(int column, int position) const;
     // One entry a column number: its position, -1 hidden. Setting one shows and hides accordingly; gaps and
     // doubles are closed up in order of position, then number; a missing tail is taken as hidden.
     std::vector<std::int32_t> OrderArray() const;

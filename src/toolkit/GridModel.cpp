@@ -69,6 +69,10 @@ bool GridModel::Key(GridKey key, GridModifiers modifiers) {
         case GridKey::Left:
         case GridKey::Right:
             return MoveColumn(key, modifiers);
+        case GridKey::Tab:
+            return !modifiers.ctrl && MoveColumn(modifiers.shift ? GridKey::Left : GridKey::Right, {});
+        case GridKey::Enter:
+            return !modifiers.ctrl && MoveRow(modifiers.shift ? GridKey::Up : GridKey::Down, {});
         case GridKey::Home:
         case GridKey::End:
             return modifiers.ctrl ? MoveRow(key, modifiers) : MoveColumn(key, modifiers);

@@ -11,7 +11,20 @@
 
 namespace Dravel {
 
-enum class GridKey : std::uint8_t { Up, Down, Left, Right, Home, End, PageUp, PageDown, Space, A };
+enum class GridKey : std::uint8_t {
+    Up,
+    Down,
+    Left,
+    Right,
+    Home,
+    End,
+    PageUp,
+    PageDown,
+    Space,
+    A,
+    Tab,
+    Enter
+};
 struct GridModifiers {
     bool shift = false, ctrl = false;
 };
@@ -48,8 +61,8 @@ class GridModel {
     void SelectAll();
     void ClearSelection();
 
-    // A key as in a spreadsheet. False: not the grid's (so Ctrl+Up and Ctrl+Down, which move rows and are the
-    // owner's).
+    // A key as in a spreadsheet: Tab and Enter go right and down, with Shift the other way. False: not the
+    // grid's (so Ctrl+Up and Ctrl+Down, which move rows and are the owner's).
     bool Key(GridKey key, GridModifiers modifiers);
     // A press of the left button on a cell or a row header.
     void Press(const GridHit& hit, GridModifiers modifiers);

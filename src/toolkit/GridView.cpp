@@ -7,6 +7,9 @@ namespace {
 
 // How near the pointer must be to a header's edge to drag it, at 96 dpi.
 constexpr int kDividerReach = 4;
+constexpr int kMinFieldWidth = 6;
+// Of a group's head: the box, the room left and right of it, and the step from level to level.
+constexpr int kGroupBox = 9, kGroupGap = 5, kGroupIndent = 16;
 
 }  // namespace
 
@@ -105,6 +108,35 @@ Rect GridView::CellRect(std::uint32_t row, int column) const {
     return cell.right <= ClipLeft(position) || cell.left >= width_ ? Rect{} : cell;
 }
 
+Rect GridView::FieldRect(int column) const {
+    const int position = columns_.Position(column);
+    if (position < 0 || metrics_.bandHeight == 0) return {};
+    const int left = ColumnLeft(position);
+    const Rect field{std::max(left, ClipLeft(position)), metrics_.headerHeight,
+                     std::min(left + columns_.PixelWidth(position), width_), RowsTop()};
+    return field.Width() < Scale(kMinFieldWidth, columns_.Dpi()) ? Rect{} : field;
+}
+
+Rect GridView::GroupBox(std::uint32_t row, int level) const {
+    const int dpi = columns_.Dpi(), side = Scale(kGroupBox, dpi);
+    const int left = metrics_.rowHeaderWidth + Scale(kGroupGap + level * kGroupIndent, dpi);
+    const int top = RowTop(row) + (metrics_.rowHeight - 1 - side) / 2;
+    return {left, top, left + side, top + side};
+}
+
+int GridView::GroupTextLeft(int level) const {
+    return metrics_.rowHeaderWidth + Scale(2 * kGroupGap + kGroupBox + level * kGroupIndent, columns_.Dpi());
+}
+
+GridHit GridView::OnGroupHead(const GridHit& hit, int x, int level) const {
+    if (hit.row == kNoRow || hit.part == GridPart::RowHeader) return hit;
+    // The whole height of the row, and a gap on both sides: nine pixels are hard to hit.
+    const int gap = Scale(kGroupGap, columns_.Dpi());
+    const Rect box = GroupBox(hit.row, level);
+    const bool inBox = x >= box.left - gap && x < box.right + gap;
+    return {inBox ? GridPart::GroupBox : GridPart::GroupHead, hit.row, -1};
+}
+
 int GridView::PositionAt(int x) const {
     const int inside = x - metrics_.rowHeaderWidth;
     if (inside < 0) return -1;
@@ -159,6 +191,15 @@ GridHit GridView::Nearest(int x, int y) const {
     if (position < 0) position = x < metrics_.rowHeaderWidth ? 0 : last;
     return {GridPart::Cell, static_cast<std::uint32_t>(std::clamp<std::int64_t>(row, 0, rows_ - 1)),
             columns_.AtPosition(position)};
+}
+
+int GridView::DropMark(int column, int x) const {
+    const int from = columns_.Position(column), before = DropPosition(x);
+    if (from < 0) return -1;
+    // It leaves its own place first, so what lies behind moves up by one.
+    const int to = columns_.DragTarget(column, before > from ? before - 1 : before);
+    if (to == from) return -1;
+    return to > from ? to + 1 : to;
 }
 
 int GridView::DropPosition(int x) const {

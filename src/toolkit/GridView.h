@@ -16,7 +16,18 @@ struct GridMetrics {
     bool operator==(const GridMetrics&) const = default;
 };
 
-enum class GridPart : std::uint8_t { Nothing, Corner, Header, Divider, Band, RowHeader, Cell };
+// A group's head is one part over all columns, but for the box that opens and closes it.
+enum class GridPart : std::uint8_t {
+    Nothing,
+    Corner,
+    Header,
+    Divider,
+    Band,
+    RowHeader,
+    Cell,
+    GroupHead,
+    GroupBox
+};
 struct GridHit {
     GridPart part = GridPart::Nothing;
     std::uint32_t row = kNoRow;
@@ -54,12 +65,22 @@ class GridView {
     int ColumnLeft(int position) const;
     int ClipLeft(int position) const;
     Rect CellRect(std::uint32_t row, int column) const;  // empty when not in view; not cut by the frozen part
+    // Where a column's field stands in the band, cut by the frozen part and the window; empty when there is
+    // no band or too little of the column shows.
+    Rect FieldRect(int column) const;
+    // The box of a group's head, and where the head's text begins.
+    Rect GroupBox(std::uint32_t row, int level) const;
+    int GroupTextLeft(int level) const;
     GridHit HitTest(int x, int y) const;
+    // What a hit on a row is when the row is the head of a group.
+    GridHit OnGroupHead(const GridHit& hit, int x, int level) const;
     // As HitTest, but outside the rows gives the nearest row and shown column: for a drag that left the
     // window.
     GridHit Nearest(int x, int y) const;
-    // Position before which a dragged header would be put.
+    // Position before which a header dragged to `x` would be put.
     int DropPosition(int x) const;
+    // The same for a column that the mouse drags, with what locked columns allow; -1: it would stay.
+    int DropMark(int column, int x) const;
 
  private:
     int PositionAt(int x) const;

@@ -10,13 +10,27 @@
 
 #include "toolkit/Font.h"
 #include "toolkit/Geometry.h"
+#include "toolkit/GridMenu.h"
 #include "toolkit/GridModel.h"
 #include "toolkit/GridSource.h"
 
 namespace Dravel {
 
+// Control identifier of the filter field of column 0.
+inline constexpr int kGridFilterID = 2000;
+// Control identifier of the in-place editor's field.
+inline constexpr int kGridEditorID = 2100;
+
+// What the editor of a cell is: a field alone, or one with a list of choices.
+enum class GridEditKind : std::uint8_t { Text, Choice };
+// Where the user goes on from an edited cell: Tab right, Enter down, with Shift the other way.
+enum class GridEditMove : std::uint8_t { Right, Left, Down, Up };
+
 // The class name of a grid window unless its owner gives another.
 inline constexpr wchar_t kGridClass[] = L"KRVPGridCtrl";
+
+// More than these at the left edge would leave no room to scroll the others in.
+inline constexpr int kMaxGridFrozen = 10;
 
 struct GridModifierKeys {
     bool shift = false, ctrl = false, alt = false;
@@ -70,16 +84,40 @@ class CKRVPGridCtrl {
     void SetColumnLocked(int column, bool locked);
     void MoveColumn(int column, int position);
     void SetColumnOrder(std::span<const std::int32_t> order);
-    void FreezeColumns(int count);  // 0: none
+    void FreezeColumns(int count);  // brought into 0..kMaxGridFrozen
     void FitColumn(int column);     // to its header and the cells in view
+    void FitColumns();              // all that are shown and not locked
     void EnableHeader(bool enable);
     void EnableRowHeader(bool enable, int width = 9);  // pixels at 96 dpi
     void EnableMarkSortColumn(bool enable) { markSort_ = enable; }
     void EnableMultipleSort(bool enable) { multipleSort_ = enable; }
     bool MultipleSort() const { return multipleSort_; }
+    // As the user does it: switched off, the most important key alone remains.
+    void SwitchMultipleSort();
     void SetSortColumn(int column, bool ascending, bool multiple);
     void ClearSort();
     bool IsSorted() const { return model_.Sort().Sorted(); }
+
+    // Filter bar: a band of edit fields below the header, one a shown column, with the control identifier
+    // kGridFilterID + column number. `hint` stands for "no filter" and shows in an empty field; `gridName` is
+    // the name under which an owner keeps what belongs to the bar. Texts outlast hiding; what filters while
+    // the bar is hidden is the model's to say.
+    void EnableFilterBar(std::string_view hint, std::string_view gridName);
+    void DisableFilterBar();
+    bool FilterBarShown() const { return model_.Filter().Shown(); }
+    const std::string& FilterBarName() const { return filterName_; }
+    void SetFilterText(int column, std::string_view text);  // as if typed
+    void FocusFilter(int column);  // gives the keyboard to the column's field, brought into view
+
+    // Groups by the column, as the innermost, or no longer; OnGroupsChanged when that is a change.
+    void GroupBy(int column, bool group);
+
+    // In-place editing. Opened by F2, a double click or a character, which it does not lose; ended by Enter,
+    // Tab and the loss of the focus, cancelled by Escape.
+    bool EditCell(std::uint32_t row, int column);  // makes it current; false: it is not to be edited
+    // False: the owner refused the text, the editor stays open. True without an editor.
+    bool EndEdit(bool commit);
+    bool Editing() const;
 
     // Look.
     bool SetGridFont(const Dravel::FontBytes& font);  // false: not a font, the old one stays
@@ -132,8 +170,27 @@ class CKRVPGridCtrl {
     // `pressed`: this grid saw the press too.
     virtual bool OnKeyUp(std::uint32_t /*key*/, bool /*pressed*/) { return false; }
     virtual bool OnChar(std::uint32_t /*unit, UTF-16*/) { return false; }
+    // A cell is about to be edited: false when it may not be. `text` is the cell's and may be changed.
+    virtual bool OnBeginEdit(std::uint32_t /*row*/, int /*column*/, std::string& /*text*/,
+                             Dravel::GridEditKind&) {
+        return false;
+    }
+    // The choices of an editor with a list, each at most kMaxChoiceBytes, once the list or type-ahead needs
+    // them and again whenever the text was typed on. `typed`: what the user typed, empty before that.
+    virtual void OnEditChoices(std::uint32_t /*row*/, int /*column*/, std::string_view /*typed*/,
+                               std::vector<std::string>& /*choices*/) {}
+    // The edit is to end with this text. False: the editor stays open.
+    virtual bool OnEndEdit(std::uint32_t /*row*/, int /*column*/, const std::string& /*text*/) {
+        return true;
+    }
+    virtual void OnCancelEdit(std::uint32_t /*row*/, int /*column*/) {}
+    // Which cell is edited after this one. False: none; the neighbour becomes current.
+    virtual bool OnNextCell(Dravel::GridEditMove, std::uint32_t& /*row*/, int& /*column*/) { return false; }
+    // The user wants the header's menu; column -1: beside the columns. Adds to what the grid offers itself.
+    virtual void OnHeaderMenu(int /*column*/, Dravel::GridMenu&) {}
     // Where a menu is wanted, in screen pixels (from the keyboard: at the current cell).
     virtual void OnContextMenu(int /*x*/, int /*y*/, const Dravel::GridHit&) {}
+    // Where the cell may not be edited.
     virtual void OnCellDoubleClick(std::uint32_t /*row*/, int /*column*/) {}
     virtual void OnSelectionChanged() {}  // selection or current cell
     virtual void OnSortChanged() {}  // the user clicked a header: put the rows in the order of Model().Sort()
@@ -142,7 +199,8 @@ class CKRVPGridCtrl {
     virtual void OnFilterChanged(int /*column*/) {}
     virtual void OnGroupsChanged() {}  // the user grouped or ungrouped: order by Model().Groups()
     virtual void OnGroupToggled(std::uint32_t /*row*/) {}  // the user opened or closed the group of this head
-    virtual void OnColumnsChanged() {}                     // the user changed width or order
+    virtual void OnColumnsChanged() {}    // the user changed width, order, visibility or lock
+    virtual void OnFrozenChanged(int) {}  // the user froze so many columns, or none
     virtual void OnFocus(bool /*gained*/) {}
     virtual void OnViewChanged() {}  // scrolled, resized or columns moved: child windows over cells follow
     // A message that the grid does not handle itself; true: `result` is the answer.
@@ -151,14 +209,15 @@ class CKRVPGridCtrl {
         return false;
     }
 
-    // For derived windows' own needs (filter bar, group rows).
+    // For derived windows' own needs.
     Dravel::GridModel& MutableModel() { return model_; }
-    void SetBandHeight(int pixels);  // room between header and rows
-    void ModelChanged();             // after changes through MutableModel: scroll bars, redraw, notifications
+    void ModelChanged();  // after changes through MutableModel: scroll bars, redraw, notifications
 
  private:
     friend struct GridPaint;
     friend struct GridInput;
+    friend class GridFilterBar;
+    friend class GridEditor;
     struct State;  // window-side state: fonts, drag, wheel remainders
 
     bool Dispatch(std::uint32_t message, std::uintptr_t wparam, std::intptr_t lparam, std::intptr_t& result);
@@ -166,6 +225,13 @@ class CKRVPGridCtrl {
     void Destroyed();
     void UpdateMetrics();
     void UpdateScrollBars();
+    // Of a row that is no group's head, or none at all, the level is -1.
+    Dravel::GridGroupHead HeadOf(std::uint32_t row) const;
+    void ViewMoved();  // places the windows within, and tells the owner
+    bool MakeFont(const Dravel::FontBytes& font);
+    bool UpdateDpi();  // true: another one than before
+    void ShowFilterBar(bool show);
+    void ClearHiddenFilters();
 
     Dravel::GridModel model_;
     const Dravel::IGridSource* source_ = nullptr;
@@ -175,7 +241,7 @@ class CKRVPGridCtrl {
     std::unique_ptr<State> state_;
     int updates_ = 0;
     int rowHeaderWidth_ = 9;
-    int bandHeight_ = 0;
+    std::string filterName_;
     bool header_ = true, rowHeader_ = true, markSort_ = true, multipleSort_ = false;
     bool rowLines_ = true, columnLines_ = true;
 };

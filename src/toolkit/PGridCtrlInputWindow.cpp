@@ -3,8 +3,6 @@
 // Needs the types of the line above.
 #include <windowsx.h>
 
-#include <cstdlib>
-
 #include "toolkit/win32/GridState.h"
 
 using namespace Dravel;
@@ -15,11 +13,9 @@ constexpr UINT_PTR kAutoScrollTimer = 1;
 constexpr UINT kAutoScrollMilliseconds = 50;
 constexpr int kWheelColumnsPixels = 60;  // sideways per notch, at 96 dpi
 
-bool Held(int key) {
-    return GetKeyState(key) < 0;
-}
 GridModifiers Modifiers() {
-    return {.shift = Held(VK_SHIFT), .ctrl = Held(VK_CONTROL)};
+    const GridModifierKeys held = HeldModifiers();
+    return {.shift = held.shift, .ctrl = held.ctrl};
 }
 
 UINT Setting(UINT what, UINT otherwise) {
@@ -53,24 +49,36 @@ bool GridInput::Mouse(UINT message, WPARAM, LPARAM lparam) {
     }
 }
 
+// Taking the focus ends an edit, here or elsewhere, which may do anything, even close the bar. False: do
+// nothing more, the grid is gone or the edit goes on.
+bool GridInput::TakeFocus() {
+    const HWND window = Window();
+    SetFocus(window);
+    return IsWindow(window) && grid.window_ == window && !state.editor.Active();
+}
+
 void GridInput::Begin(GridDrag kind, int column, int x) {
     SetCapture(Window());
     state.drag = kind;
     state.dragColumn = column;
     state.dragX = x;
     state.dragMoved = false;
-    state.dropPosition = -1;
+    state.dropMark = -1;
     const int position = model.Columns().Position(column);
     state.dragWidth = position < 0 ? 0 : model.Columns().PixelWidth(position);
-    if (kind == GridDrag::Rows) SetTimer(Window(), kAutoScrollTimer, kAutoScrollMilliseconds, nullptr);
+    if (kind != GridDrag::Divider) SetTimer(Window(), kAutoScrollTimer, kAutoScrollMilliseconds, nullptr);
+}
+
+// What is under a point, group heads told from ordinary rows.
+GridHit GridInput::Hit(int x, int y) const {
+    const GridHit hit = model.View().HitTest(x, y);
+    const GridGroupHead head = grid.HeadOf(hit.row);
+    return head.level < 0 ? hit : model.View().OnGroupHead(hit, x, head.level);
 }
 
 void GridInput::LeftDown(int x, int y, bool doubleClick) {
-    const HWND window = Window();
-    SetFocus(window);
-    // Taking the focus may end an edit elsewhere, which may do anything, even close the bar.
-    if (!IsWindow(window) || grid.window_ != window) return;
-    const GridHit hit = model.View().HitTest(x, y);
+    if (state.editor.PressButton(x, y) || !TakeFocus()) return;
+    const GridHit hit = Hit(x, y);
     if (doubleClick && DoubleClick(hit)) return;
     const bool locked = hit.column >= 0 && model.Columns()[hit.column].locked;
     if (hit.part == GridPart::Divider) {
@@ -80,7 +88,11 @@ void GridInput::LeftDown(int x, int y, bool doubleClick) {
     } else if (hit.part == GridPart::Corner) {
         model.SelectAll();
         grid.ModelChanged();
-    } else if (hit.part == GridPart::Cell || hit.part == GridPart::RowHeader) {
+    } else if (hit.part == GridPart::GroupBox) {
+        model.Press(hit, {});
+        grid.ModelChanged();
+        grid.OnGroupToggled(hit.row);
+    } else if (hit.row != kNoRow) {
         model.Press(hit, Modifiers());
         Begin(GridDrag::Rows, -1, x);
         grid.ModelChanged();
@@ -95,20 +107,23 @@ bool GridInput::DoubleClick(const GridHit& hit) {
         }
         return true;
     }
-    if (hit.part != GridPart::Cell || Modifiers().ctrl || Modifiers().shift) return false;
+    if (Modifiers().ctrl || Modifiers().shift) return false;
+    if (hit.part == GridPart::GroupHead) {
+        grid.OnGroupToggled(hit.row);
+        return true;
+    }
+    if (hit.part != GridPart::Cell) return false;
     model.SetCurrent(hit.row, hit.column);
     grid.ModelChanged();
-    grid.OnCellDoubleClick(hit.row, hit.column);
+    if (!grid.EditCell(hit.row, hit.column)) grid.OnCellDoubleClick(hit.row, hit.column);
     return true;
 }
 
 // A menu on a row outside the selection is about that row alone.
 void GridInput::RightDown(int x, int y) {
-    const HWND window = Window();
-    SetFocus(window);
-    if (!IsWindow(window) || grid.window_ != window) return;
-    const GridHit hit = model.View().HitTest(x, y);
-    if (hit.part != GridPart::Cell && hit.part != GridPart::RowHeader) return;
+    if (!TakeFocus()) return;
+    const GridHit hit = Hit(x, y);
+    if (hit.row == kNoRow) return;
     if (model.Selection().Contains(hit.row)) {
         model.MoveCurrent(hit.row, hit.column >= 0 ? hit.column : model.CurrentColumn());
     } else {
@@ -127,9 +142,7 @@ void GridInput::Move(int x, int y) {
             }
             break;
         case GridDrag::Divider:
-            model.Columns().SetPixelWidth(model.Columns().Position(state.dragColumn),
-                                          state.dragWidth + x - state.dragX);
-            grid.ModelChanged();
+            DragDivider(x);
             break;
         case GridDrag::Header:
             DragHeader(x);
@@ -139,44 +152,29 @@ void GridInput::Move(int x, int y) {
     }
 }
 
-void GridInput::DragHeader(int x) {
-    if (model.Columns()[state.dragColumn].locked) return;
-    if (std::abs(x - state.dragX) > GetSystemMetrics(SM_CXDRAG)) state.dragMoved = true;
-    const int position = model.View().DropPosition(x);
-    if (!state.dragMoved || position == state.dropPosition) return;
-    state.dropPosition = position;
-    grid.Redraw();
-}
-
 void GridInput::LeftUp() {
     const GridDrag drag = state.drag;
-    const int column = state.dragColumn, position = state.dropPosition;
+    const int column = state.dragColumn, mark = state.dropMark;
     const bool moved = state.dragMoved;
     EndDrag();
     if (drag == GridDrag::Divider) grid.OnColumnsChanged();
-    if (drag != GridDrag::Header) return;
-    if (moved) return DropHeader(column, position);
-    model.Sort().Click(column, grid.multipleSort_ && Modifiers().ctrl);
-    grid.Redraw();
-    grid.OnSortChanged();
+    if (drag == GridDrag::Header) moved ? DropHeader(column, mark) : HeaderClick(column);
 }
 
-void GridInput::DropHeader(int column, int position) {
-    const int from = model.Columns().Position(column);
-    if (position < 0 || from < 0) return;
-    if (position > from) --position;  // it leaves its own place first
-    if (position == from) return grid.Redraw();
-    model.Columns().Move(column, position);
-    grid.ModelChanged();
-    grid.OnColumnsChanged();
+// Escape: a divider goes back, a header stays where it was.
+bool GridInput::CancelDrag() {
+    if (state.drag == GridDrag::None) return false;
+    if (state.drag == GridDrag::Divider) DragDivider(state.dragX);
+    EndDrag();
+    return true;
 }
 
 void GridInput::EndDrag() {
     if (state.drag == GridDrag::None) return;
-    if (state.drag == GridDrag::Rows) KillTimer(Window(), kAutoScrollTimer);
+    KillTimer(Window(), kAutoScrollTimer);
     state.drag = GridDrag::None;
     state.dragMoved = false;
-    state.dropPosition = -1;
+    state.dropMark = -1;
     if (GetCapture() == Window()) ReleaseCapture();
     grid.Redraw();
 }
@@ -184,9 +182,10 @@ void GridInput::EndDrag() {
 // The selection follows a pointer held above or below the rows.
 void GridInput::AutoScroll() {
     POINT at{};
-    if (state.drag != GridDrag::Rows || !GetCursorPos(&at) || !ScreenToClient(Window(), &at)) return;
+    if (state.drag == GridDrag::None || !GetCursorPos(&at) || !ScreenToClient(Window(), &at)) return;
     RECT client;
     GetClientRect(Window(), &client);
+    if (state.drag == GridDrag::Header) return ScrollHeader(at.x, client.right);
     if (at.y >= model.View().RowsTop() && at.y < client.bottom) return;
     const GridHit hit = model.View().Nearest(at.x, at.y);
     if (hit.row == kNoRow || hit.row == model.CurrentRow()) return;
@@ -244,7 +243,7 @@ bool GridInput::Scroll(UINT message, WPARAM wparam) {
 bool GridInput::Wheel(UINT message, WPARAM wparam) {
     const int turned = GET_WHEEL_DELTA_WPARAM(wparam);
     GridView& view = model.View();
-    if (message == WM_MOUSEHWHEEL || Held(VK_SHIFT)) {
+    if (message == WM_MOUSEHWHEEL || HeldModifiers().shift) {
         state.wheelColumns +=
             (message == WM_MOUSEHWHEEL ? turned : -turned) * Scale(kWheelColumnsPixels, state.dpi);
         view.SetScrollX(view.ScrollX() + state.wheelColumns / WHEEL_DELTA);
@@ -281,7 +280,10 @@ void GridInput::ContextMenu(LPARAM lparam) {
     } else {
         POINT inside = at;
         ScreenToClient(Window(), &inside);
-        hit = model.View().HitTest(inside.x, inside.y);
+        hit = Hit(inside.x, inside.y);
+        const GridMetrics& metrics = model.View().Metrics();
+        if (inside.y >= 0 && inside.y < metrics.headerHeight) return HeaderMenu(at.x, at.y, hit.column);
     }
+    if (hit.part == GridPart::Band) return;
     grid.OnContextMenu(at.x, at.y, hit);
 }

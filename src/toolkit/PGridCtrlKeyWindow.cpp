@@ -18,15 +18,8 @@ constexpr KeyPair kKeys[] = {
     {VK_UP, GridKey::Up},        {VK_DOWN, GridKey::Down},     {VK_LEFT, GridKey::Left},
     {VK_RIGHT, GridKey::Right},  {VK_HOME, GridKey::Home},     {VK_END, GridKey::End},
     {VK_PRIOR, GridKey::PageUp}, {VK_NEXT, GridKey::PageDown}, {VK_SPACE, GridKey::Space},
-    {'A', GridKey::A},
+    {'A', GridKey::A},           {VK_TAB, GridKey::Tab},       {VK_RETURN, GridKey::Enter},
 };
-
-bool Held(int key) {
-    return GetKeyState(key) < 0;
-}
-GridModifierKeys Modifiers() {
-    return {.shift = Held(VK_SHIFT), .ctrl = Held(VK_CONTROL), .alt = Held(VK_MENU)};
-}
 
 bool IsDialog(HWND window) {
     return window != nullptr && GetClassLongPtrW(window, GCW_ATOM) == 32770;  // the system's dialog class
@@ -37,7 +30,7 @@ bool IsDialog(HWND window) {
 bool GridInput::Key(UINT message, WPARAM wparam, LPARAM lparam) {
     const auto key = static_cast<std::uint32_t>(wparam);
     if (OfferToBar(message, wparam, lparam)) return true;
-    if (message == WM_CHAR) return key < kFirstText || grid.OnChar(key);
+    if (message == WM_CHAR) return Character(key);
     if (message != WM_KEYUP) return KeyDown(message, key, lparam);
     const bool seen = key < state.pressed.size() && state.pressed[key];
     if (key < state.pressed.size()) state.pressed.reset(key);
@@ -50,11 +43,24 @@ bool GridInput::OfferToBar(UINT message, WPARAM wparam, LPARAM lparam) const {
 }
 
 bool GridInput::KeyDown(UINT message, std::uint32_t key, LPARAM lparam) {
-    const GridModifierKeys modifiers = Modifiers();
+    const GridModifierKeys modifiers = HeldModifiers();
     if (key < state.pressed.size()) state.pressed.set(key);
+    if (key == VK_ESCAPE && CancelDrag()) return true;
     if (Accelerator(key, modifiers)) return true;
     if (grid.OnKeyDown(key, modifiers, (lparam & kRepeated) != 0)) return true;
     return message == WM_KEYDOWN && (ModelKey(key, modifiers) || LeaveKey(key));
+}
+
+// The first character that is typed over a cell opens its editor and is not lost.
+bool GridInput::Character(std::uint32_t unit) {
+    if (unit < kFirstText || unit == 127 || grid.OnChar(unit)) return true;
+    return state.editor.Open(static_cast<wchar_t>(unit));
+}
+
+// A key in a window within the grid: `own` when that window needs it for its text.
+bool GridInput::FieldKey(UINT message, WPARAM wparam, LPARAM lparam, bool own) {
+    if (OfferToBar(message, wparam, lparam)) return true;
+    return !own && Accelerator(static_cast<std::uint32_t>(wparam), HeldModifiers());
 }
 
 bool GridInput::Accelerator(std::uint32_t key, GridModifierKeys modifiers) {
@@ -69,6 +75,13 @@ bool GridInput::Accelerator(std::uint32_t key, GridModifierKeys modifiers) {
 
 bool GridInput::ModelKey(std::uint32_t key, GridModifierKeys modifiers) {
     if (modifiers.alt) return false;
+    if (GroupKey(key)) return true;
+    if (key == VK_F2 && !modifiers.ctrl && !modifiers.shift) {
+        state.editor.Open(0);
+        return true;
+    }
+    // In a dialog Tab and Enter are the dialog's.
+    if ((key == VK_TAB || key == VK_RETURN) && IsDialog(GetParent(Window()))) return false;
     for (const KeyPair& pair : kKeys) {
         if (pair.system != key) continue;
         if (!model.Key(pair.key, {.shift = modifiers.shift, .ctrl = modifiers.ctrl})) return false;
@@ -76,6 +89,16 @@ bool GridInput::ModelKey(std::uint32_t key, GridModifierKeys modifiers) {
         return true;
     }
     return false;
+}
+
+// Left and minus close the group of the head that is current, Right and plus open it.
+bool GridInput::GroupKey(std::uint32_t key) {
+    const GridGroupHead head = grid.HeadOf(model.CurrentRow());
+    const bool closes = key == VK_LEFT || key == VK_SUBTRACT || key == VK_OEM_MINUS;
+    const bool opens = key == VK_RIGHT || key == VK_ADD || key == VK_OEM_PLUS;
+    if (head.level < 0 || (!closes && !opens)) return false;
+    if (head.open == closes) grid.OnGroupToggled(model.CurrentRow());
+    return true;
 }
 
 // Escape that nobody took is the bar's; in a dialog the three keys that the grid keeps from it work as
@@ -88,7 +111,7 @@ bool GridInput::LeaveKey(std::uint32_t key) {
         return bar != nullptr;
     }
     if (key == VK_TAB) {
-        PostMessageW(parent, WM_NEXTDLGCTL, Held(VK_SHIFT), FALSE);
+        PostMessageW(parent, WM_NEXTDLGCTL, HeldModifiers().shift, FALSE);
     } else if (key == VK_ESCAPE || key == VK_RETURN) {
         const LRESULT standard = SendMessageW(parent, DM_GETDEFID, 0, 0);
         const WORD command = HIWORD(standard) == DC_HASDEFID ? LOWORD(standard) : IDOK;

@@ -32,6 +32,7 @@ void CKRVPGridCtrl::SetColumnAlign(int column, GridAlign align) {
 void CKRVPGridCtrl::SetColumnVisible(int column, bool visible) {
     model_.Columns().SetVisible(column, visible);
     ModelChanged();
+    ClearHiddenFilters();
 }
 
 void CKRVPGridCtrl::SetColumnLocked(int column, bool locked) {
@@ -46,11 +47,17 @@ void CKRVPGridCtrl::MoveColumn(int column, int position) {
 void CKRVPGridCtrl::SetColumnOrder(std::span<const std::int32_t> order) {
     model_.Columns().SetOrderArray(order);
     ModelChanged();
+    ClearHiddenFilters();
 }
 
 void CKRVPGridCtrl::FreezeColumns(int count) {
-    model_.Columns().SetFrozen(count);
+    model_.Columns().SetFrozen(std::min(count, kMaxGridFrozen));
     ModelChanged();
+}
+
+void CKRVPGridCtrl::FitColumns() {
+    for (int column = 0; column < Columns().Count(); ++column)
+        if (!Columns()[column].locked) FitColumn(column);
 }
 
 void CKRVPGridCtrl::EnableHeader(bool enable) {
@@ -61,11 +68,6 @@ void CKRVPGridCtrl::EnableHeader(bool enable) {
 void CKRVPGridCtrl::EnableRowHeader(bool enable, int width) {
     rowHeader_ = enable;
     rowHeaderWidth_ = width;
-    UpdateMetrics();
-}
-
-void CKRVPGridCtrl::SetBandHeight(int pixels) {
-    bandHeight_ = std::max(pixels, 0);
     UpdateMetrics();
 }
 
@@ -80,6 +82,65 @@ void CKRVPGridCtrl::ClearSort() {
     Redraw();
 }
 
+void CKRVPGridCtrl::SwitchMultipleSort() {
+    multipleSort_ = !multipleSort_;
+    const auto& keys = model_.Sort().Keys();
+    if (multipleSort_ || keys.size() < 2) return;
+    const GridSortKey first = keys.front();
+    model_.Sort().Set(first.column, first.ascending, false);
+    Redraw();
+    OnSortChanged();
+}
+
+void CKRVPGridCtrl::GroupBy(int column, bool group) {
+    if (column < 0 || column >= Columns().Count()) return;
+    if (group == (model_.Groups().Position(column) >= 0)) return;
+    if (group) {
+        model_.Groups().Add(column);
+    } else {
+        model_.Groups().Remove(column);
+    }
+    ModelChanged();
+    OnGroupsChanged();
+}
+
+void CKRVPGridCtrl::EnableFilterBar(std::string_view hint, std::string_view gridName) {
+    model_.Filter().SetHint(hint);
+    filterName_ = gridName;
+    ShowFilterBar(true);
+}
+
+void CKRVPGridCtrl::DisableFilterBar() {
+    ShowFilterBar(false);
+}
+
+void CKRVPGridCtrl::ShowFilterBar(bool show) {
+    if (show == FilterBarShown()) return;
+    model_.Filter().Show(true);  // a text counts only while the bar is shown
+    bool filters = false;
+    for (int column = 0; column < Columns().Count(); ++column)
+        filters = filters || model_.Filter().Active(column);
+    model_.Filter().Show(show);
+    UpdateMetrics();
+    if (filters) OnFilterChanged(-1);
+}
+
+void CKRVPGridCtrl::SetFilterText(int column, std::string_view text) {
+    if (column >= Columns().Count() || !model_.Filter().Set(column, text)) return;
+    state_->filter.ShowText(column);
+    OnFilterChanged(column);
+}
+
+void CKRVPGridCtrl::FocusFilter(int column) {
+    state_->filter.Focus(column);
+}
+
+// A filter whose field cannot be seen would hide rows without a visible reason.
+void CKRVPGridCtrl::ClearHiddenFilters() {
+    for (int column = 0; column < Columns().Count(); ++column)
+        if (!Columns()[column].visible) SetFilterText(column, {});
+}
+
 void CKRVPGridCtrl::ShowRowLines(bool show) {
     rowLines_ = show;
     Redraw();
@@ -90,7 +151,23 @@ void CKRVPGridCtrl::ShowColumnLines(bool show) {
     Redraw();
 }
 
+bool CKRVPGridCtrl::EditCell(std::uint32_t row, int column) {
+    if (!EndEdit(true) || window_ == nullptr) return false;
+    SetCurrent(row, column);
+    return state_->editor.Open(0);
+}
+
+bool CKRVPGridCtrl::EndEdit(bool commit) {
+    return state_->editor.Close(commit);
+}
+
+bool CKRVPGridCtrl::Editing() const {
+    return state_->editor.Active();
+}
+
 void CKRVPGridCtrl::SetCurrent(std::uint32_t row, int column) {
+    // The editor stands over the current cell.
+    if ((row != CurrentRow() || column != CurrentColumn()) && !EndEdit(true)) return;
     model_.SetCurrent(row, column);
     ModelChanged();
 }
@@ -137,6 +214,7 @@ void CKRVPGridCtrl::RowsInserted(std::uint32_t at, std::uint32_t count) {
 }
 
 void CKRVPGridCtrl::RowsRemoved(std::uint32_t at, std::uint32_t count) {
+    if (CurrentRow() >= at && CurrentRow() - at < count) state_->editor.Drop();
     model_.RowsRemoved(at, count);
     ModelChanged();
 }
@@ -148,11 +226,13 @@ void CKRVPGridCtrl::RowsSwapped(std::uint32_t a, std::uint32_t b) {
 
 void CKRVPGridCtrl::RowsReordered(std::uint32_t count,
                                   const std::function<std::uint32_t(std::uint32_t)>& newRow) {
+    if (Editing() && (CurrentRow() == kNoRow || newRow(CurrentRow()) >= count)) state_->editor.Drop();
     model_.RowsReordered(count, newRow);
     ModelChanged();
 }
 
 void CKRVPGridCtrl::RowsReset() {
+    state_->editor.Drop();
     model_.RowsReset(source_ == nullptr ? 0 : source_->RowCount());
     ModelChanged();
 }

@@ -4,6 +4,7 @@
 #include <string_view>
 
 #include "toolkit/AnsiText.h"
+#include "toolkit/win32/GridColours.h"
 #include "toolkit/win32/GridState.h"
 
 namespace {
@@ -12,26 +13,6 @@ using namespace Dravel;
 
 constexpr std::size_t kMaxShownBytes = 512;     // of one cell's text
 constexpr int kSortMark = 7, kCurrentMark = 7;  // size of the triangles, at 96 dpi
-
-// `share` of 256 parts of `a`, the rest of `b`.
-COLORREF Mix(COLORREF a, COLORREF b, int share) {
-    const auto part = [&](int x, int y) { return static_cast<BYTE>((x * share + y * (256 - share)) / 256); };
-    return RGB(part(GetRValue(a), GetRValue(b)), part(GetGValue(a), GetGValue(b)),
-               part(GetBValue(a), GetBValue(b)));
-}
-
-struct Palette {
-    COLORREF window = GetSysColor(COLOR_WINDOW), text = GetSysColor(COLOR_WINDOWTEXT);
-    COLORREF face = GetSysColor(COLOR_BTNFACE), faceText = GetSysColor(COLOR_BTNTEXT);
-    COLORREF highlight = GetSysColor(COLOR_HIGHLIGHT), highlightText = GetSysColor(COLOR_HIGHLIGHTTEXT);
-    COLORREF line = Mix(text, window, 28);
-    COLORREF headerLine = Mix(faceText, face, 60);
-    COLORREF headerMark = Mix(highlight, face, 48);  // face of a sorted column's header
-    COLORREF mark = Mix(faceText, face, 160);
-    COLORREF strong = Mix(highlight, RGB(0, 0, 0), 150);  // selection among rows with colours of their own
-    COLORREF idle = Mix(highlight, window, 72);           // selection while the keyboard is elsewhere
-    COLORREF frame = Mix(highlightText, highlight, 176);
-};
 
 struct CellLook {
     COLORREF back = 0, text = 0;
@@ -54,9 +35,12 @@ class Painter {
           padding_(Scale(kGridCellPadding, dpi)) {}
 
     void Rows(const RECT& dirty, std::string& ansi, std::wstring& wide);
-    void Header(bool markSort, int dropPosition, std::wstring& wide);
+    void Header(bool markSort, int dragged, int dropMark, std::wstring& wide);
+    void Band();
+    void EditButton();
     void RightOfColumns(const RECT& dirty);
 
+    Rect editButton;  // of the cell that is edited, empty: none
     bool focused = false, rowLines = true, columnLines = true;
 
  private:
@@ -68,7 +52,9 @@ class Painter {
     void RowHeader(std::uint32_t row) const;
     void Cell(std::uint32_t row, int position, CellLook look, std::string& ansi, std::wstring& wide);
     CellLook LookOf(std::uint32_t row) const;
-    void HeaderCell(int position, bool markSort, std::wstring& wide) const;
+    void GroupHead(std::uint32_t row, const GridGroupHead& head, std::string& ansi, std::wstring& wide) const;
+    void GroupBox(const Rect& box, bool open, COLORREF back) const;
+    void HeaderCell(int position, bool markSort, bool dragged, std::wstring& wide) const;
     int SortMark(int column, const RECT& cell, COLORREF face) const;
     void Triangle(const POINT (&corners)[3], COLORREF colour) const;
     // Where a column shows; false when nothing of it does.
@@ -80,7 +66,7 @@ class Painter {
     const IGridSource* source_;
     HDC device_;
     int width_, height_, dpi_, textHeight_, padding_;
-    Palette palette_;
+    GridColours palette_;
 };
 
 void Painter::Fill(const RECT& area, COLORREF colour) const {
@@ -174,7 +160,37 @@ void Painter::RowHeader(std::uint32_t row) const {
     Triangle({{left, middle - half}, {left, middle + half}, {left + half, middle}}, palette_.mark);
 }
 
+void Painter::GroupBox(const Rect& box, bool open, COLORREF back) const {
+    const LONG middleX = (box.left + box.right - 1) / 2, middleY = (box.top + box.bottom - 1) / 2;
+    const LONG thick = std::max(Scale(1, dpi_), 1), inset = 2 * thick;
+    Fill({box.left, box.top, box.right, box.bottom}, palette_.mark);
+    Fill({box.left + 1, box.top + 1, box.right - 1, box.bottom - 1}, back);
+    Fill({box.left + inset, middleY, box.right - inset, middleY + thick}, palette_.text);
+    if (!open) Fill({middleX, box.top + inset, middleX + thick, box.bottom - inset}, palette_.text);
+}
+
+// Stands still while the columns scroll: it belongs to all of them.
+void Painter::GroupHead(std::uint32_t row, const GridGroupHead& head, std::string& ansi,
+                        std::wstring& wide) const {
+    CellLook look{palette_.group, palette_.text};
+    if (model_.Selection().Contains(row))
+        look = focused ? CellLook{palette_.highlight, palette_.highlightText}
+                       : CellLook{palette_.idle, palette_.text};
+    const LONG top = view_.RowTop(row), bottom = top + view_.Metrics().rowHeight;
+    const RECT clip{view_.Metrics().rowHeaderWidth, top, width_, bottom - 1};
+    RECT cell = clip;
+    cell.left = view_.GroupTextLeft(head.level) - padding_ + Scale(2, dpi_);
+    source_->GroupText(row, ansi);
+    Widen(std::string_view(ansi).substr(0, kMaxShownBytes), wide);
+    Text(clip, cell, wide, GridAlign::Left, look);
+    GroupBox(view_.GroupBox(row, head.level), head.open, palette_.window);
+    Fill({clip.left, bottom - 1, width_, bottom}, palette_.headerLine);
+    RowHeader(row);
+}
+
 void Painter::Row(std::uint32_t row, std::string& ansi, std::wstring& wide) {
+    const GridGroupHead head = source_->GroupHead(row);
+    if (head.level >= 0) return GroupHead(row, head, ansi, wide);
     const CellLook look = LookOf(row);
     // Right to left, so that the frozen columns end up above those that scroll.
     for (int position = columns_.ShownCount() - 1; position >= 0; --position)
@@ -240,7 +256,7 @@ int Painter::SortMark(int column, const RECT& cell, COLORREF face) const {
     return cell.right - left;
 }
 
-void Painter::HeaderCell(int position, bool markSort, std::wstring& wide) const {
+void Painter::HeaderCell(int position, bool markSort, bool dragged, std::wstring& wide) const {
     const int column = columns_.AtPosition(position);
     RECT cell{}, clip{};
     if (!Shown(position, cell, clip)) return;
@@ -248,8 +264,8 @@ void Painter::HeaderCell(int position, bool markSort, std::wstring& wide) const 
     cell.bottom = clip.bottom = view_.Metrics().headerHeight - 1;
     cell.right -= 1;
     clip.right -= 1;
-    const COLORREF face =
-        markSort && model_.Sort().Direction(column) != 0 ? palette_.headerMark : palette_.face;
+    const bool sorted = markSort && model_.Sort().Direction(column) != 0;
+    const COLORREF face = dragged ? palette_.idle : sorted ? palette_.headerMark : palette_.face;
     Fill(clip, face);
     RECT textCell = cell;
     textCell.right -= SortMark(column, cell, face);
@@ -263,17 +279,49 @@ void Painter::HeaderCell(int position, bool markSort, std::wstring& wide) const 
     Fill({cell.right, cell.bottom - 3, cell.right + 1, cell.bottom}, face);
 }
 
-void Painter::Header(bool markSort, int dropPosition, std::wstring& wide) {
+void Painter::EditButton() {
+    const Rect& at = editButton;
+    if (at == Rect{}) return;
+    Fill({at.left, at.top + 1, at.right - 1, at.bottom - 1}, palette_.face);
+    const LONG half = Scale(kSortMark, dpi_) / 2, x = (at.left + at.right - 1) / 2,
+               y = (at.top + at.bottom) / 2;
+    Triangle({{x - half, y - half / 2}, {x + half, y - half / 2}, {x, y + half - half / 2}}, palette_.mark);
+}
+
+// The fields are windows of their own; this is what stands round them.
+void Painter::Band() {
+    const LONG top = view_.Metrics().headerHeight, bottom = view_.RowsTop();
+    if (bottom == top) return;
+    Fill({0, top, width_, bottom - 1}, palette_.window);
+    for (int position = columns_.ShownCount() - 1; position >= 0; --position) {
+        RECT cell{}, clip{};
+        if (!Shown(position, cell, clip)) continue;
+        const bool active = model_.Filter().Active(columns_.AtPosition(position));
+        Fill({clip.left, top, clip.right - 1, bottom - 1}, active ? palette_.filter : palette_.window);
+        Fill({clip.right - 1, top, clip.right, bottom - 1}, palette_.line);
+    }
+    const LONG left = view_.Metrics().rowHeaderWidth, frozen = view_.ClipLeft(columns_.ShownCount());
+    if (left > 0) Fill({0, top, left - 1, bottom - 1}, palette_.face);
+    if (left > 0) Fill({left - 1, top, left, bottom - 1}, palette_.headerLine);
+    if (columns_.Frozen() > 0) Fill({frozen - 1, top, frozen, bottom - 1}, palette_.mark);
+    Fill({0, bottom - 1, width_, bottom}, palette_.headerLine);
+}
+
+void Painter::Header(bool markSort, int dragged, int dropMark, std::wstring& wide) {
     const LONG height = view_.Metrics().headerHeight;
     if (height == 0) return;
     Fill({0, 0, width_, height - 1}, palette_.face);
     for (int position = columns_.ShownCount() - 1; position >= 0; --position)
-        HeaderCell(position, markSort, wide);
+        HeaderCell(position, markSort, columns_.AtPosition(position) == dragged, wide);
     Fill({0, 0, view_.Metrics().rowHeaderWidth, height - 1}, palette_.face);
     Fill({0, height - 1, width_, height}, palette_.headerLine);
-    if (dropPosition < 0) return;
-    const LONG x = view_.ColumnLeft(dropPosition);
-    Fill({x - 1, 0, x + 1, height}, palette_.highlight);
+    if (dropMark < 0) return;
+    const LONG at = dropMark > 0 && dropMark == columns_.Frozen() ? view_.ClipLeft(columns_.ShownCount())
+                                                                  : view_.ColumnLeft(dropMark);
+    const LONG x = std::clamp<LONG>(at, 2, std::max<LONG>(width_ - 2, 2)), tip = Scale(5, dpi_);
+    Fill({x - 1, 0, x + 1, height_}, palette_.highlight);
+    Triangle({{x - tip, 0}, {x + tip, 0}, {x, tip}}, palette_.highlight);
+    Triangle({{x - tip, height - 1}, {x + tip, height - 1}, {x, height - 1 - tip}}, palette_.highlight);
 }
 
 bool EnsureBuffer(HBITMAP& buffer, SIZE& size, HDC screen, const RECT& client) {
@@ -297,12 +345,16 @@ void GridPaint::Paint(CKRVPGridCtrl& grid, HDC screen, const RECT& dirty) {
     const HGDIOBJ font = SelectObject(device, state.font);
     Painter painter(grid.model_, grid.source_, device, client.right, client.bottom, state.dpi,
                     state.textHeight);
-    painter.focused = state.focused;
+    painter.focused = state.focused || state.editor.Active();
+    painter.editButton = state.editor.Button();
     painter.rowLines = grid.rowLines_;
     painter.columnLines = grid.columnLines_;
-    painter.Rows(dirty, state.ansi, state.wide);
     painter.RightOfColumns(dirty);
-    painter.Header(grid.markSort_, state.dragMoved ? state.dropPosition : -1, state.wide);
+    painter.Rows(dirty, state.ansi, state.wide);
+    painter.EditButton();
+    painter.Band();
+    painter.Header(grid.markSort_, state.dragMoved ? state.dragColumn : -1,
+                   state.dragMoved ? state.dropMark : -1, state.wide);
     BitBlt(screen, dirty.left, dirty.top, dirty.right - dirty.left, dirty.bottom - dirty.top, device,
            dirty.left, dirty.top, SRCCOPY);
     SelectObject(device, font);

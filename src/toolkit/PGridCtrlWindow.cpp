@@ -11,7 +11,7 @@ namespace {
 using namespace Dravel;
 
 // Room above and below a text, at 96 dpi.
-constexpr int kRowPadding = 3, kHeaderPadding = 5;
+constexpr int kRowPadding = 3, kHeaderPadding = 5, kBandPadding = 3;
 
 HWND Handle(void* window) {
     return static_cast<HWND>(window);
@@ -35,7 +35,7 @@ void SetBar(HWND window, int bar, int max, UINT page, int position) {
 
 }  // namespace
 
-CKRVPGridCtrl::CKRVPGridCtrl() : state_(std::make_unique<State>()) {}
+CKRVPGridCtrl::CKRVPGridCtrl() : state_(std::make_unique<State>(*this)) {}
 
 CKRVPGridCtrl::~CKRVPGridCtrl() {
     Destroy();
@@ -101,8 +101,7 @@ bool CKRVPGridCtrl::Dispatch(std::uint32_t message, std::uintptr_t wparam, std::
         case WM_SIZE:
             model_.View().SetClient(LOWORD(lparam), HIWORD(lparam));
             UpdateScrollBars();
-            OnViewChanged();
-            Redraw();
+            ViewMoved();
             return true;
         case WM_SETFOCUS:
         case WM_KILLFOCUS:
@@ -120,12 +119,24 @@ bool CKRVPGridCtrl::Dispatch(std::uint32_t message, std::uintptr_t wparam, std::
             return true;
         case WM_SYSCOLORCHANGE:
         case WM_THEMECHANGED:
+            state_->filter.ColoursChanged();
             Redraw();
             return true;
         case WM_DPICHANGED_AFTERPARENT:
+            if (UpdateDpi()) MakeFont(fontBytes_);
             UpdateMetrics();
             return true;
+        case WM_CTLCOLOREDIT:
+            result = reinterpret_cast<std::intptr_t>(
+                state_->filter.Colour(reinterpret_cast<HDC>(wparam), reinterpret_cast<HWND>(lparam)));
+            return result != 0;
         case WM_COMMAND:
+            if (lparam != 0 &&
+                state_->editor.Notify(LOWORD(wparam), HIWORD(wparam), reinterpret_cast<HWND>(lparam)))
+                return true;
+            if (lparam != 0 &&
+                state_->filter.Notify(LOWORD(wparam), HIWORD(wparam), reinterpret_cast<HWND>(lparam)))
+                return true;
             return lparam == 0 ? OnCommand(LOWORD(wparam))
                                : OnControl(LOWORD(wparam), HIWORD(wparam), reinterpret_cast<void*>(lparam));
         case WM_CONTEXTMENU:
@@ -140,6 +151,9 @@ bool CKRVPGridCtrl::Dispatch(std::uint32_t message, std::uintptr_t wparam, std::
             return true;
         case WM_TIMER:
             input.AutoScroll();
+            return true;
+        case kGridRefocus:
+            state_->editor.Refocus();
             return true;
         case WM_VSCROLL:
         case WM_HSCROLL:
@@ -160,23 +174,41 @@ bool CKRVPGridCtrl::Dispatch(std::uint32_t message, std::uintptr_t wparam, std::
 }
 
 bool CKRVPGridCtrl::Created() {
+    UpdateDpi();
     if (state_->font == nullptr && !SetGridFont(FontOfWindow(GetParent(Handle(window_))))) return false;
     UpdateMetrics();
     return OnCreate();
 }
 
 void CKRVPGridCtrl::Destroyed() {
+    state_->editor.Drop();
     OnDestroy();
 }
 
-bool CKRVPGridCtrl::SetGridFont(const FontBytes& font) {
-    const auto made = static_cast<HFONT>(CreateFontHandle(font));
+bool CKRVPGridCtrl::MakeFont(const FontBytes& font) {
+    const int system = static_cast<int>(GetDpiForSystem());
+    const auto made = static_cast<HFONT>(CreateFontHandle(ScaleFont(font, state_->dpi, system)));
     if (made == nullptr) return false;
-    DeleteFontHandle(state_->font);
+    const HFONT old = state_->font;
     state_->font = made;
+    state_->filter.SetFont();
+    state_->editor.SetFont();
+    DeleteFontHandle(old);
+    return true;
+}
+
+bool CKRVPGridCtrl::SetGridFont(const FontBytes& font) {
+    if (!MakeFont(font)) return false;
     fontBytes_ = font;
     UpdateMetrics();
     return true;
+}
+
+bool CKRVPGridCtrl::UpdateDpi() {
+    const UINT dpi = window_ == nullptr ? 0 : GetDpiForWindow(Handle(window_));
+    const int before = state_->dpi;
+    state_->dpi = dpi == 0 ? kBaseDpi : static_cast<int>(dpi);
+    return state_->dpi != before;
 }
 
 void CKRVPGridCtrl::UpdateMetrics() {
@@ -188,13 +220,11 @@ void CKRVPGridCtrl::UpdateMetrics() {
     SelectObject(device, old);
     ReleaseDC(Handle(window_), device);
     state_->textHeight = text.tmHeight;
-    state_->dpi = static_cast<int>(GetDpiForWindow(Handle(window_)));
-    if (state_->dpi == 0) state_->dpi = kBaseDpi;
     const int dpi = state_->dpi;
     model_.Columns().SetDpi(dpi);
     model_.View().SetMetrics(
         {.headerHeight = header_ ? text.tmHeight + 2 * Scale(kHeaderPadding, dpi) + 1 : 0,
-         .bandHeight = bandHeight_,
+         .bandHeight = FilterBarShown() ? text.tmHeight + 2 + 2 * Scale(kBandPadding, dpi) + 1 : 0,
          .rowHeight = text.tmHeight + 2 * Scale(kRowPadding, dpi) + 1,
          .rowHeaderWidth = rowHeader_ ? Scale(rowHeaderWidth_, dpi) : 0});
     ModelChanged();
@@ -219,14 +249,25 @@ void CKRVPGridCtrl::ModelChanged() {
         return;
     }
     model_.View().Clamp();
-    Redraw();
-    OnViewChanged();
+    ViewMoved();
     if (state_->row == CurrentRow() && state_->column == CurrentColumn() && state_->selection == Selection())
         return;
     state_->row = CurrentRow();
     state_->column = CurrentColumn();
     state_->selection = Selection();
     OnSelectionChanged();
+}
+
+void CKRVPGridCtrl::ViewMoved() {
+    Redraw();
+    state_->filter.Layout();
+    state_->editor.Layout();
+    OnViewChanged();
+}
+
+GridGroupHead CKRVPGridCtrl::HeadOf(std::uint32_t row) const {
+    return source_ != nullptr && row < std::min(RowCount(), source_->RowCount()) ? source_->GroupHead(row)
+                                                                                 : GridGroupHead{};
 }
 
 void CKRVPGridCtrl::EndUpdate() {

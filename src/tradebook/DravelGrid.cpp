@@ -13,9 +13,9 @@ namespace {
 
 constexpr GridModifierKeys kCtrl{.ctrl = true};
 constexpr GridAccelerator kKeys[] = {
-    {'S', kCtrl, command::Save},
-    {'I', kCtrl, command::Import},
-    {'C', kCtrl, command::Copy},
+    {'S', kCtrl, command::Save},      {'I', kCtrl, command::Import},
+    {'C', kCtrl, command::Copy},      {'C', {.shift = true, .ctrl = true}, command::CopyHtml},
+    {'F', kCtrl, command::FilterBar},
 };
 
 }  // namespace
@@ -36,6 +36,7 @@ bool CDravelGrid::OnCreate() {
     EnableRowHeader(true);
     ApplyFont();
     InsertColumns();
+    EnableFilterBar(kNoFilter, GridName());
     SetAccelerators(kKeys);
     SetSource(this);
     AnnounceGrid();
@@ -95,6 +96,14 @@ void CDravelGrid::OnFocus(bool gained) {
     host_.Focus(Window(), gained ? 1 : 0);
 }
 
+void CDravelGrid::OnHeaderMenu(int, GridMenu& menu) {
+    InsertBehind(menu, GridHeaderCommand::Hide, {{command::FieldChooser, L"Field &Chooser..."}});
+    InsertBehind(menu, GridHeaderCommand::End,
+                 {{},
+                  {command::MultipleSort, L"&Multiple Sort", true, MultipleSort()},
+                  {command::SaveLayout, L"Sa&ve Layout"}});
+}
+
 bool CDravelGrid::OnCommand(std::uint32_t id) {
     switch (id) {
         case command::Save:
@@ -102,6 +111,15 @@ bool CDravelGrid::OnCommand(std::uint32_t id) {
             return true;
         case command::Import:
             entry_.Import(Window());
+            return true;
+        case command::CopyHtml:
+            CopyAsHtml();
+            return true;
+        case command::FilterBar:
+            ToggleFilterBar();
+            return true;
+        case command::MultipleSort:
+            SwitchMultipleSort();
             return true;
         case command::ClearSelection:
             ClearSelection();

@@ -59,8 +59,11 @@ class CDravelGrid final : public CVELTSGridCtrl,
  private:
     bool OnCreate() override;
     bool OnCommand(std::uint32_t id) override;
+    void OnHeaderMenu(int column, Dravel::GridMenu& menu) override;
     void OnContextMenu(int x, int y, const Dravel::GridHit& hit) override;
     void OnFocus(bool gained) override;
+    Dravel::IUser* User() override { return &user_; }
+    const char* GridName() const override { return Dravel::kGridKey; }
 
     // The rows (DravelGridRows.cpp)
     std::uint32_t RowCount() const override { return rows_.RowCount(); }

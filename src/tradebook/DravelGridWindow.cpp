@@ -16,7 +16,10 @@ constexpr MenuEntry kMenu[] = {
     {command::Save, L"&Save\tCtrl+S"},
     {0, nullptr},
     {command::Copy, L"&Copy\tCtrl+C", true},
+    {command::CopyHtml, L"Copy As &HTML\tCtrl+Shift+C"},
     {command::ClearSelection, L"C&lear Selection", true},
+    {0, nullptr},
+    {command::FilterBar, nullptr},
 };
 
 }  // namespace
@@ -26,7 +29,8 @@ void CDravelGrid::OnContextMenu(int x, int y, const GridHit&) {
     if (!menu) return;
     for (const MenuEntry& entry : kMenu) {
         const UINT grey = entry.needsSelection && Selection().Empty() ? MF_GRAYED : 0u;
-        AppendMenuW(menu, entry.text ? MF_STRING | grey : MF_SEPARATOR, entry.command, entry.text);
+        const wchar_t* text = entry.command == command::FilterBar ? FilterMenuText() : entry.text;
+        AppendMenuW(menu, text ? MF_STRING | grey : MF_SEPARATOR, entry.command, text);
     }
     const HWND window = static_cast<HWND>(Window());
     const auto chosen = TrackPopupMenu(menu, TPM_RETURNCMD | TPM_RIGHTBUTTON, x, y, 0, window, nullptr);

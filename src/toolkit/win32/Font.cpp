@@ -53,6 +53,14 @@ void SetFontFace(FontBytes& bytes, const wchar_t* face, int weight) {
     bytes = Bytes(font);
 }
 
+FontBytes ScaleFont(const FontBytes& bytes, int dpi, int systemDpi) {
+    if (dpi <= 0 || systemDpi <= 0 || dpi == systemDpi) return bytes;
+    LOGFONTW font = Describe(bytes);
+    font.lfHeight = MulDiv(font.lfHeight, dpi, systemDpi);
+    font.lfWidth = MulDiv(font.lfWidth, dpi, systemDpi);
+    return Bytes(font);
+}
+
 bool ChooseFontDialog(void* owner, FontBytes& bytes) {
     LOGFONTW font = Describe(bytes);
     CHOOSEFONTW request{};

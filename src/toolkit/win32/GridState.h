@@ -8,15 +8,25 @@
 #include <string>
 
 #include "toolkit/PGridCtrl.h"
+#include "toolkit/win32/GridEditor.h"
+#include "toolkit/win32/GridFilterBar.h"
 
 namespace Dravel {
 
 enum class GridDrag : std::uint8_t { None, Rows, Divider, Header };
 
+// Posted by the editor to the grid: give it the keyboard back.
+inline constexpr UINT kGridRefocus = WM_APP + 0x31;
+
+inline GridModifierKeys HeldModifiers() {
+    const auto held = [](int key) { return GetKeyState(key) < 0; };
+    return {.shift = held(VK_SHIFT), .ctrl = held(VK_CONTROL), .alt = held(VK_MENU)};
+}
+
 }  // namespace Dravel
 
 struct CKRVPGridCtrl::State {
-    State() = default;
+    explicit State(CKRVPGridCtrl& grid) : filter(grid), editor(grid) {}
     State(const State&) = delete;
     State& operator=(const State&) = delete;
     ~State() {
@@ -24,6 +34,8 @@ struct CKRVPGridCtrl::State {
         if (buffer != nullptr) DeleteObject(buffer);
     }
 
+    GridFilterBar filter;
+    GridEditor editor;
     HFONT font = nullptr;
     int textHeight = 13;
     int dpi = Dravel::kBaseDpi;
@@ -36,7 +48,7 @@ struct CKRVPGridCtrl::State {
     int dragX = 0;                        // where it began
     int dragWidth = 0;                    // divider: the column's width then, pixels
     bool dragMoved = false;               // header: it is a move and not a click
-    int dropPosition = -1;                // header: where it would be put
+    int dropMark = -1;                    // header: the position before which it would be put, -1: it stays
     int wheelRows = 0, wheelColumns = 0;  // remainders below one notch
     std::bitset<256> pressed;             // keys whose press this window saw
 
@@ -63,6 +75,7 @@ struct GridInput {
     void ContextMenu(LPARAM lparam);
     void EndDrag();
     void AutoScroll();
+    bool FieldKey(UINT message, WPARAM wparam, LPARAM lparam, bool own);
 
     CKRVPGridCtrl& grid;
     CKRVPGridCtrl::State& state;
@@ -70,14 +83,26 @@ struct GridInput {
 
  private:
     HWND Window() const { return static_cast<HWND>(grid.window_); }
+    bool TakeFocus();
     void LeftDown(int x, int y, bool doubleClick);
     void RightDown(int x, int y);
     void Move(int x, int y);
     void LeftUp();
+    bool CancelDrag();
+    Dravel::GridHit Hit(int x, int y) const;
+    void DragDivider(int x);
     void DragHeader(int x);
+    void ScrollHeader(int x, int width);
+    void HeaderClick(int column);
+    Dravel::GridMenu HeaderMenuEntries(int column) const;
+    void HeaderMenu(int x, int y, int column);
+    void HeaderCommand(Dravel::GridHeaderCommand command, int column);
+    void Freeze(int count);
+    bool GroupKey(std::uint32_t key);
+    bool Character(std::uint32_t unit);
     bool DoubleClick(const Dravel::GridHit& hit);
     void Begin(Dravel::GridDrag kind, int column, int x);
-    void DropHeader(int column, int position);
+    void DropHeader(int column, int mark);
     bool Accelerator(std::uint32_t key, Dravel::GridModifierKeys modifiers);
     bool KeyDown(UINT message, std::uint32_t key, LPARAM lparam);
     bool ModelKey(std::uint32_t key, Dravel::GridModifierKeys modifiers);

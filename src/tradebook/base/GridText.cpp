@@ -15,6 +15,7 @@ std::string RowsAsText(const IGridSource& source, const GridSelection& rows, std
     std::string text, cell;
     for (const GridRange& range : rows.Ranges()) {
         for (std::uint32_t row = range.first; row <= range.last && row < source.RowCount(); ++row) {
+            if (source.GroupHead(row).level >= 0) continue;
             for (std::size_t i = 0; i < columns.size(); ++i) {
                 if (i != 0) text += '\t';
                 cell.clear();

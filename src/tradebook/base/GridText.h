@@ -9,8 +9,9 @@
 
 namespace Dravel {
 
-// Cells of the columns given, parted by tabs, each row ended by CR LF. A tab or line end inside a cell
-// becomes a blank: nobody who pastes could tell it from the end of the cell. ANSI code page.
+// Cells of the columns given, parted by tabs, each row ended by CR LF; heads of groups are left out. A tab or
+// line end inside a cell becomes a blank: nobody who pastes could tell it from the end of the cell. ANSI code
+// page.
 std::string RowsAsText(const IGridSource& source, const GridSelection& rows, std::span<const int> columns);
 
 }  // namespace Dravel

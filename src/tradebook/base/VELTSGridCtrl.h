@@ -1,10 +1,12 @@
-// What all grids of the plug-in share: the private clipboard format and copying as text.
+// What all grids of the plug-in share: the filter bar's switch, the private clipboard format, and copying as
+// text and as HTML.
 #pragma once
 
 #include <cstdint>
 #include <string>
 #include <string_view>
 
+#include "host/User.h"
 #include "toolkit/PGridCtrl.h"
 
 class CVELTSGridCtrl : public CKRVPGridCtrl {
@@ -12,16 +14,34 @@ class CVELTSGridCtrl : public CKRVPGridCtrl {
     // Name of the private clipboard format: narrow text, all columns in the order of their numbers,
     // tab-separated, CR LF, a zero byte at the end.
     static constexpr wchar_t kClipboardFormat[] = L"VELT_CLIPBOARD";
+    // The entry of the filter bar that filters nothing.
+    static constexpr char kNoFilter[] = "<all>";
 
     // Puts the selected rows on the clipboard, as text (the columns shown) and in the private format. False
-    // when nothing is selected or another program holds the clipboard.
+    // when nothing is selected or another program holds the clipboard, which the user is told.
     bool CopySelection();
+    // Puts the selected rows on the clipboard as HTML and as text (the columns shown, with their headers in
+    // the HTML), and tells the user so or why not.
+    bool CopyAsHtml();
+
+    void ToggleFilterBar();
+    // What the menu calls the command that toggles the bar.
+    const wchar_t* FilterMenuText() const { return FilterBarShown() ? L"Hide Filter" : L"Show Filter"; }
 
  protected:
+    // Who is told; null: nobody.
+    virtual Dravel::IUser* User() { return nullptr; }
+    // The name of the grid, as its filter bar keeps it.
+    virtual const char* GridName() const = 0;
+
     // Whether `text` of the filter bar's field over a column hides a row. `item` is the owner's number for
     // what the row shows. A grid without a rule of its own hides nothing.
     virtual bool IsItemFilteredByFilterBar(std::uint32_t /*item*/, int /*column*/,
                                            std::string_view /*text*/) const {
         return false;
     }
+
+ private:
+    bool MayCopy();
+    void Tell(const char* text);
 };
