@@ -1,13 +1,17 @@
-// What all grids of the plug-in share: the filter bar's switch, the private clipboard format, and copying as
-// text and as HTML.
+// What all grids of the plug-in share: the column profile, the filter bar's switch, the private clipboard
+// format, and copying as text and as HTML.
 #pragma once
 
 #include <cstdint>
+#include <filesystem>
+#include <memory>
 #include <string>
 #include <string_view>
 
 #include "host/User.h"
+#include "platform/Files.h"
 #include "toolkit/PGridCtrl.h"
+#include "tradebook/base/ColumnProfile.h"
 
 class CVELTSGridCtrl : public CKRVPGridCtrl {
  public:
@@ -28,7 +32,18 @@ class CVELTSGridCtrl : public CKRVPGridCtrl {
     // What the menu calls the command that toggles the bar.
     const wchar_t* FilterMenuText() const { return FilterBarShown() ? L"Hide Filter" : L"Show Filter"; }
 
+    // Writes the user's layout of the columns. False: the file could not be written. Nothing without a
+    // profile.
+    virtual bool SaveProfile();
+
  protected:
+    // The making of the columns, in this order: LoadProfile, LoadMultipleSort, AddColumn for each, and
+    // RestoreColumnOrder, after which rows have been asked to stand in the saved order.
+    void LoadProfile(Dravel::IFiles& files, const std::filesystem::path& dataFolder, std::string name);
+    void LoadMultipleSort();
+    void AddColumn(Dravel::GridColumn defaults);
+    void RestoreColumnOrder();
+
     // Who is told; null: nobody.
     virtual Dravel::IUser* User() { return nullptr; }
     // The name of the grid, as its filter bar keeps it.
@@ -44,4 +59,6 @@ class CVELTSGridCtrl : public CKRVPGridCtrl {
  private:
     bool MayCopy();
     void Tell(const char* text);
+
+    std::unique_ptr<Dravel::ColumnProfile> profile_;
 };
