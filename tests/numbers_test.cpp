@@ -1,6 +1,7 @@
 // Numbers as the import reads them and as cells and files show them.
 #include <gtest/gtest.h>
 
+#include <charconv>
 #include <cmath>
 #include <cstring>
 #include <limits>
@@ -77,6 +78,29 @@ TEST(Numbers, DoublesAsText) {
         EXPECT_EQ(SixDecimals(c.value, buffer), c.fixed);
     }
     EXPECT_EQ(SixDecimals(-std::numeric_limits<double>::max(), buffer).size(), 1u + 309u + 7u);
+}
+
+// The short way for prices gives the digits of the long one.
+TEST(Numbers, SixDecimalsAreThoseOfTheWholeDouble) {
+    std::mt19937_64 random(9);
+    NumberBuffer buffer;
+    char whole[400];
+    const auto check = [&](double value) {
+        const auto end = std::to_chars(whole, whole + sizeof whole, value, std::chars_format::fixed, 6);
+        ASSERT_EQ(SixDecimals(value, buffer),
+                  std::string_view(whole, static_cast<std::size_t>(end.ptr - whole)));
+    };
+    for (int i = 0; i < 100000; ++i) {
+        const std::uint64_t bits = random();
+        const auto price = static_cast<double>(bits % 100000000000u);
+        check(price / 100);
+        check(price / 1000000);
+        check((price + 0.5) / 1000000);  // on or beside the half
+        check(std::ldexp(static_cast<double>(bits >> 11), -static_cast<int>(bits % 60)));
+        check(-price / 100);
+    }
+    for (const double value : {-0.0, 0.9999995, 0.9999994999, 999999999.9999999, 1e9, 0.5e-6, 1.5e-6})
+        check(value);
 }
 
 TEST(Numbers, ShortestReadsBackTheSameBits) {

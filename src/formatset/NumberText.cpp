@@ -73,8 +73,29 @@ std::string_view ShortestText(double value, NumberBuffer& buffer) {
     return ToText(buffer, value);
 }
 
+// Prices and strikes are whole millionths but for the last bits of the double. Multiplied they are off by an
+// eighth at most, so what comes within a quarter of a whole number rounds to that one, and its digits are
+// made many times faster than those of a double.
+static bool AsMillionths(double value, std::uint64_t& millionths) {
+    if (!(value >= 0 && value < 1e9) || std::signbit(value)) return false;
+    const double product = value * 1e6;
+    millionths = static_cast<std::uint64_t>(product + 0.5);
+    return std::fabs(product - static_cast<double>(millionths)) <= 0.25;
+}
+
+char* WriteSixDecimals(double value, char* at) {
+    std::uint64_t millionths = 0;
+    if (!AsMillionths(value, millionths))
+        return std::to_chars(at, at + sizeof(NumberBuffer), value, std::chars_format::fixed, 6).ptr;
+    at = std::to_chars(at, at + sizeof(NumberBuffer), millionths / 1000000).ptr;
+    // A leading 1 keeps the zeros behind the point; the point is written over it.
+    std::to_chars(at, at + 7, 1000000 + millionths % 1000000);
+    *at = '.';
+    return at + 7;
+}
+
 std::string_view SixDecimals(double value, NumberBuffer& buffer) {
-    return ToText(buffer, value, std::chars_format::fixed, 6);
+    return {buffer.text, static_cast<std::size_t>(WriteSixDecimals(value, buffer.text) - buffer.text)};
 }
 
 std::string_view UnsignedText(std::uint64_t value, NumberBuffer& buffer) {

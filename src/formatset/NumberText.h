@@ -30,6 +30,8 @@ struct NumberBuffer {
 std::string_view ShortestText(double value, NumberBuffer& buffer);
 // Six decimals, as exported files have them.
 std::string_view SixDecimals(double value, NumberBuffer& buffer);
+// The same at `at`, where there is room for a NumberBuffer; returns the end.
+char* WriteSixDecimals(double value, char* at);
 std::string_view UnsignedText(std::uint64_t value, NumberBuffer& buffer);
 std::string_view IntegerText(std::int64_t value, NumberBuffer& buffer);
 

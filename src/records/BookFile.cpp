@@ -3,6 +3,8 @@
 #include <mutex>
 #include <utility>
 
+#include "support/FaultText.h"
+
 namespace Dravel {
 
 namespace {
@@ -14,22 +16,6 @@ constexpr std::uint32_t kSwapPause = 50;
 constexpr int kMostBackupsOfOneMinute = 99;
 constexpr std::size_t kCopyBlock = 1048576;
 constexpr char kContext[] = "BookFile";
-
-std::string ReasonOf(const char* step, const FileStatus& status) {
-    static constexpr struct {
-        FileFault fault;
-        const char* words;
-    } kWords[] = {
-        {FileFault::NotFound, "the file is gone"}, {FileFault::PathNotFound, "the folder is gone"},
-        {FileFault::Exists, "the name is taken"},  {FileFault::InUse, "another program holds the file"},
-        {FileFault::Full, "the disk is full"},
-    };
-    std::string reason = step;
-    for (const auto& entry : kWords) {
-        if (entry.fault == status.fault) return reason + ": " + entry.words + ".";
-    }
-    return reason + ": the disk reports error " + std::to_string(status.code) + ".";
-}
 
 fs::path WithEnding(fs::path path, const char* ending) {
     path += ending;
@@ -112,16 +98,16 @@ SaveResult BookFile::Save(const BookImage& image) {
 SaveResult BookFile::SaveLocked(const BookImage& image) {
     if (!owner_) return {false, kBookNotOwned};
     if (const FileStatus status = WriteNew(image); !status) {
-        return {false, ReasonOf("The new book could not be written", status)};
+        return {false, FaultText("The new book could not be written", status)};
     }
     // No system replaces a file that is held open; ownership holds off other books meanwhile.
     stream_.reset();
     SaveResult result{true, {}};
     FileStatus status = MakeBackup();
     if (!status) {
-        result = {false, ReasonOf("The backup could not be made", status)};
+        result = {false, FaultText("The backup could not be made", status)};
     } else if (status = Swap(); !status) {
-        result = {false, ReasonOf("The old book could not be replaced", status)};
+        result = {false, FaultText("The old book could not be replaced", status)};
     }
     if (result.ok) {
         holdsUnread_ = false;

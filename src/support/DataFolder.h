@@ -15,6 +15,7 @@ class DataFolder {
     const std::filesystem::path& Root() const { return root_; }
     std::filesystem::path Data() const { return root_ / "Data"; }
     std::filesystem::path Settings() const { return root_ / "Settings.xml"; }
+    std::filesystem::path Divisors() const { return root_ / "PriceDivisor.csv"; }
     std::filesystem::path Csv() const { return root_ / "CSV"; }
     std::filesystem::path FormatSets() const { return root_ / "CSV" / "DravelFormateSet"; }
     std::filesystem::path Log() const { return root_ / "Log"; }

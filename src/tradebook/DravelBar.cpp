@@ -3,8 +3,16 @@
 #include <utility>
 
 #include "tradebook/BookStatus.h"
+#include "tradebook/base/BarPlace.h"
 
 using namespace Dravel;
+
+namespace {
+
+constexpr std::uint32_t kStatusLine = 1;  // its identifier among the bar's children
+constexpr char kPlaceKey[] = "Bar";       // of the bar's place in the settings
+
+}  // namespace
 
 CDravelBar::CDravelBar(const BarContext& context, std::function<void()> gone)
     : CVELTSDockingControlBar(context.host), context_(context), gone_(std::move(gone)), book_(context.host) {}
@@ -15,7 +23,7 @@ CDravelBar::~CDravelBar() {
 
 bool CDravelBar::OnCreate() {
     OpenStore();
-    grid_ = std::make_unique<CDravelGrid>(host_, context_.user, book_, context_.entry, context_.settings);
+    grid_ = std::make_unique<CDravelGrid>(context_, book_);
     if (!grid_->Create(Window(), Content(), 0)) return false;
     LoadBook();
     MakeStatusLine();
@@ -68,8 +76,25 @@ void CDravelBar::ShowStatus() {
     status_.SetTexts(texts);
 }
 
-void CDravelBar::LoadProperties(std::string_view key) {
-    grid_->LoadProperties(key);
+void CDravelBar::OnSaveProperties(std::string_view key) {
+    grid_->SaveProperties(key);
+    context_.SaveSettings();
+}
+
+// Where the user left it; the first time at the bottom of the frame.
+void CDravelBar::TakePlace() {
+    DockState place = State();
+    place.side = DockSide::Bottom;
+    LoadBarPlace(context_.settings, kPlaceKey, place);
+    SetState(place);
+}
+
+// Place, properties and columns as the user leaves them.
+void CDravelBar::KeepLayout() {
+    if (!grid_) return;
+    SaveBarPlace(context_.settings, kPlaceKey, State());
+    SaveProperties(kGridKey);
+    grid_->SaveLayout();
 }
 
 void CDravelBar::AskToSaveWhenShown() {
@@ -98,11 +123,14 @@ void CDravelBar::AskAtTheEnd() {
 }
 
 void CDravelBar::OnEndSession(bool ending) {
-    if (ending && book_.Changed()) context_.entry.SaveNow();
+    if (!ending) return;
+    if (book_.Changed()) context_.entry.SaveNow();
+    KeepLayout();
 }
 
 void CDravelBar::OnDestroy() {
     AskAtTheEnd();
+    KeepLayout();
     context_.entry.BookClosed();
     context_.notices.SetListener({});
     grid_->SetStatusListener({});

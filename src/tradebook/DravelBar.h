@@ -4,37 +4,13 @@
 #include <memory>
 #include <string_view>
 
-#include "host/User.h"
-#include "platform/Clock.h"
-#include "platform/Files.h"
 #include "records/BookFile.h"
-#include "support/DataFolder.h"
-#include "support/Log.h"
 #include "toolkit/StatusLine.h"
+#include "tradebook/BarContext.h"
 #include "tradebook/DravelGrid.h"
 #include "tradebook/TradeBook.h"
 #include "tradebook/base/NoticeList.h"
 #include "tradebook/base/VELTSDockingControlBar.h"
-
-namespace Dravel {
-
-// What the bar needs of the world. All outlive the bar.
-struct BarContext {
-    IHost& host;
-    IUser& user;
-    IEntry& entry;
-    IFiles& files;
-    IClock& clock;
-    const DataFolder& folder;
-    CKRVPRegistry& settings;
-    ILog& log;
-    NoticeList& notices;
-};
-
-// Identifier of the status line among the bar's children.
-inline constexpr std::uint32_t kStatusLine = 1;
-
-}  // namespace Dravel
 
 // User-interface thread. Lives from the first call of DravelBar until its window is destroyed with the host's
 // frame.
@@ -47,11 +23,14 @@ class CDravelBar final : public CVELTSDockingControlBar {
     CDravelGrid* Grid() { return grid_.get(); }
     Dravel::TradeBook& Book() { return book_; }
 
-    void LoadProperties(std::string_view key);
+    // Docks or floats where it was when it last went.
+    void TakePlace();
     // Asks when something changed since the last save and the bar is shown.
     void AskToSaveWhenShown();
 
  private:
+    void OnLoadProperties(std::string_view key) override { grid_->LoadProperties(key); }
+    void OnSaveProperties(std::string_view key) override;
     bool OnCreate() override;
     bool OnMessage(std::uint32_t message, std::uintptr_t wparam, std::intptr_t lparam,
                    std::intptr_t& result) override;
@@ -74,6 +53,7 @@ class CDravelBar final : public CVELTSDockingControlBar {
     void MakeStatusLine();
     void StatusStale();
     void ShowStatus();
+    void KeepLayout();
 
     Dravel::BarContext context_;
     std::function<void()> gone_;

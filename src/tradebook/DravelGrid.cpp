@@ -4,7 +4,6 @@
 
 #include "message/TagMessageWriter.h"
 #include "message/Tags.h"
-#include "toolkit/Registry.h"
 #include "tradebook/TradeColumns.h"
 
 using namespace Dravel;
@@ -13,15 +12,24 @@ namespace {
 
 constexpr GridModifierKeys kCtrl{.ctrl = true};
 constexpr GridAccelerator kKeys[] = {
-    {'S', kCtrl, command::Save},      {'I', kCtrl, command::Import},
-    {'C', kCtrl, command::Copy},      {'C', {.shift = true, .ctrl = true}, command::CopyHtml},
+    {'S', kCtrl, command::Save},
+    {'I', kCtrl, command::Import},
+    {'E', kCtrl, command::ExportCsv},
+    {'C', kCtrl, command::Copy},
+    {'C', {.shift = true, .ctrl = true}, command::CopyHtml},
     {'F', kCtrl, command::FilterBar},
+    {0x0D /* Enter */, {.alt = true}, command::Properties},
 };
 
 }  // namespace
 
-CDravelGrid::CDravelGrid(IHost& host, IUser& user, TradeBook& book, IEntry& entry, CKRVPRegistry& settings)
-    : host_(host), user_(user), book_(book), entry_(entry), settings_(settings) {
+CDravelGrid::CDravelGrid(const BarContext& context, TradeBook& book)
+    : context_(context),
+      host_(context.host),
+      user_(context.user),
+      book_(book),
+      entry_(context.entry),
+      settings_(context.settings) {
     book_.SetObserver(this);
 }
 
@@ -39,17 +47,22 @@ bool CDravelGrid::OnCreate() {
     EnableFilterBar(kNoFilter, GridName());
     SetAccelerators(kKeys);
     SetSource(this);
+    RestoreColumnOrder();
+    divisors_.Load(context_.files, context_.folder.Divisors());
     AnnounceGrid();
     return true;
 }
 
+// The columns as the user left them.
 void CDravelGrid::InsertColumns() {
+    LoadProfile(context_.files, context_.folder.Root(), kGridProfile);
+    LoadMultipleSort();
     for (const TradeColumn& column : kTradeColumns) {
-        InsertColumn({.key = column.key,
-                      .header = column.header,
-                      .width = column.width,
-                      .align = static_cast<GridAlign>(column.align),
-                      .visible = column.visible});
+        AddColumn({.key = column.key,
+                   .header = column.header,
+                   .width = column.width,
+                   .align = static_cast<GridAlign>(column.align),
+                   .visible = column.visible});
     }
 }
 
@@ -128,6 +141,6 @@ bool CDravelGrid::OnCommand(std::uint32_t id) {
             CopySelection();
             return true;
         default:
-            return false;
+            return LayoutCommand(id);
     }
 }

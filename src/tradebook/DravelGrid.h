@@ -4,10 +4,9 @@
 #include <functional>
 #include <string>
 
-#include "host/Host.h"
-#include "host/User.h"
-#include "tradebook/EntryPort.h"
+#include "tradebook/BarContext.h"
 #include "tradebook/GridProperties.h"
+#include "tradebook/PriceDivisors.h"
 #include "tradebook/TradeBook.h"
 #include "tradebook/TradeRows.h"
 #include "tradebook/base/VELTSGridCtrl.h"
@@ -24,6 +23,8 @@ inline constexpr std::uint16_t AddTrade = 40001, DeleteTrades = 40002, Save = 40
 
 // The settings key of the grid's properties and font.
 inline constexpr char kGridKey[] = "TradeGrid";
+// The name of its column profile.
+inline constexpr char kGridProfile[] = "Dravel";
 
 }  // namespace Dravel
 
@@ -33,13 +34,16 @@ class CDravelGrid final : public CVELTSGridCtrl,
                           private Dravel::IBookObserver,
                           private Dravel::IRowDisplay {
  public:
-    CDravelGrid(Dravel::IHost& host, Dravel::IUser& user, Dravel::TradeBook& book, Dravel::IEntry& entry,
-                CKRVPRegistry& settings);
+    CDravelGrid(const Dravel::BarContext& context, Dravel::TradeBook& book);
     ~CDravelGrid() override;
 
     // Takes the properties out of the settings and applies them. When trades are reported at all ("Trade For
     // Greek Analysis Only" off or missing), the whole book is reported.
     void LoadProperties(std::string_view key);
+    // Puts them, with the grid's font, into the settings; the file is the caller's.
+    void SaveProperties(std::string_view key);
+    // Writes the layout of the columns; a failure is logged.
+    void SaveLayout();
     const Dravel::GridProperties& Properties() const { return properties_; }
     // The trade of the current row when that is selected, else of the first selected row; nullptr without a
     // selection.
@@ -110,20 +114,27 @@ class CDravelGrid final : public CVELTSGridCtrl,
     }
     void Reset() override { CVELTSGridCtrl::RowsReset(); }
     void Changed(std::uint32_t row) override { RedrawRow(row); }
+    // The commands about the look of the grid and its export. False: none of them.
+    bool LayoutCommand(std::uint32_t id);
+    void ExportCsv();
+    void WriteExport(const std::filesystem::path& path);
+    void SwitchMultipleSort();
 
     void InsertColumns();
     void ApplyFont();
     void ApplyProperties();
     void AnnounceGrid();
 
+    Dravel::BarContext context_;
     Dravel::IHost& host_;
     Dravel::IUser& user_;
     Dravel::TradeBook& book_;
     Dravel::IEntry& entry_;
-    CKRVPRegistry& settings_;
+    CVELTPXMLSettings& settings_;
     Dravel::GridProperties properties_;
     Dravel::TradeRows rows_{book_, *this};
     bool firstRowAdded_ = false;
     Dravel::TradeItem selectedAtFirst_ = Dravel::kNoItem;  // when the first row was added
     std::function<void()> statusListener_;
+    Dravel::PriceDivisors divisors_;
 };

@@ -50,6 +50,16 @@ bool GridProperties::Load(CKRVPRegistry& settings, std::string_view key) {
     return true;
 }
 
+bool GridProperties::Save(CKRVPRegistry& settings, std::string_view key) const {
+    if (!settings.CreateKey(key)) return false;
+    bool written = font.empty() || settings.WriteBinary(kFont, font);
+    for (const auto& [name, field] : kColours)
+        written &= settings.WriteColour(name, this->*field);
+    for (const auto& [name, field] : kSwitches)
+        written &= settings.WriteInteger(name, this->*field);
+    return written && settings.WriteInteger(kFreeze, columnFreeze);
+}
+
 GridRowStyle GridProperties::StyleOf(const TradeRecord& record) const {
     const bool buy = record.side == side::Buy;
     GridRowStyle style;

@@ -38,6 +38,8 @@ struct GridProperties {
     // Reads what stands under `key`; a missing value keeps the current one, but for the analysis-only switch,
     // which a missing value clears. False when the key does not exist.
     bool Load(CKRVPRegistry& settings, std::string_view key);
+    // Writes them all under `key`, the font when there is one. False: the store takes no writing.
+    bool Save(CKRVPRegistry& settings, std::string_view key) const;
 
     // Colours of a trade's row: the buy pair for a buy, the sell pair for everything else.
     GridRowStyle StyleOf(const TradeRecord& record) const;

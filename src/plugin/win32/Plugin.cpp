@@ -15,7 +15,6 @@
 #include "toolkit/Module.h"
 #include "toolkit/PopupWindow.h"
 #include "tradebook/TradeColumns.h"
-#include "tradebook/base/BarPlace.h"
 
 namespace Dravel {
 
@@ -23,7 +22,6 @@ namespace {
 
 constexpr wchar_t kBarTitle[] = L"Dravel";
 constexpr wchar_t kBarKey[] = L"Dravel";
-constexpr char kBarSettings[] = "Bar";
 constexpr Rect kFloatingPlace{100, 100, 600, 400};
 
 std::filesystem::path WorkingFolder() {
@@ -99,16 +97,8 @@ void Plugin::CreateBar() {
         return;
     }
     user_.Attach(open_->bar.Window(), &open_->log, &open_->answers, &open_->notices);
-    PlaceBar();
+    open_->bar.TakePlace();
     open_->bar.Show(true);
-}
-
-// Where the user left it; the first time at the bottom of the frame.
-void Plugin::PlaceBar() {
-    DockState place = open_->bar.State();
-    place.side = DockSide::Bottom;
-    LoadBarPlace(open_->settings, kBarSettings, place);
-    open_->bar.SetState(place);
 }
 
 // The bar's window is no more: everything that lived with it goes, and the next call makes a new one.
@@ -117,8 +107,6 @@ void Plugin::BarGone() {
     ClosePopups();
     user_.Attach(nullptr, nullptr, nullptr, nullptr);
     SetFailureLog(nullptr);
-    if (created_) SaveBarPlace(open_->settings, kBarSettings, open_->bar.State());
-    open_->settings.SaveFile(SystemFiles(), folder_.Settings());
     created_ = false;
     const std::unique_ptr<OpenBook> gone = std::move(open_);
     ReleaseLibrary();

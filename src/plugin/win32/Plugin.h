@@ -48,7 +48,6 @@ class Plugin final : public IPluginHandlers {
 
     Plugin();
     void CreateBar();
-    void PlaceBar();
     void BarGone();
     void HandOverPendingItems();
     void HoldLibrary();

@@ -1,8 +1,9 @@
-// What all bars of the plug-in share: they tell the terminal about the keyboard, and take work from other
-// threads.
+// What all bars of the plug-in share: they tell the terminal about the keyboard, take work from other
+// threads, and load and save the properties of what they hold.
 #pragma once
 
 #include <functional>
+#include <string_view>
 #include <vector>
 
 #include "host/Host.h"
@@ -16,6 +17,11 @@ class CVELTSDockingControlBar : public CKRVPDockingControlBar, public Dravel::IU
 
     void Post(std::function<void()> work) override;
 
+    // The properties of what the bar holds, under a key of the settings. Saving before loading does nothing:
+    // it would write the defaults over what the user chose.
+    void LoadProperties(std::string_view key);
+    void SaveProperties(std::string_view key);
+
  protected:
     // What the terminal is told about the bar.
     static constexpr int kGotFocus = 0, kHidden = 1;
@@ -24,6 +30,8 @@ class CVELTSDockingControlBar : public CKRVPDockingControlBar, public Dravel::IU
     bool OnMessage(std::uint32_t message, std::uintptr_t wparam, std::intptr_t lparam,
                    std::intptr_t& result) override;
     void OnDestroy() override;
+    virtual void OnLoadProperties(std::string_view /*key*/) {}
+    virtual void OnSaveProperties(std::string_view /*key*/) {}
 
     Dravel::IHost& host_;
 
@@ -33,4 +41,5 @@ class CVELTSDockingControlBar : public CKRVPDockingControlBar, public Dravel::IU
     KRV::Thread::CKRVLock lock_;  // guards posted_ and target_
     std::vector<std::function<void()>> posted_;
     bool closed_ = false;
+    bool loadingProperties_ = false, propertiesLoaded_ = false;
 };
