@@ -38,9 +38,15 @@ class BookTest : public testing::Test, protected IBookObserver {
     BookTest() { book.SetObserver(this); }
     void RowAddedOnTop() override { ++added; }
     void RowsReset() override { ++resets; }
-    void RowEdited(TradeItem) override {}
-    void RowsRemoved(std::span<const std::uint32_t>, std::span<const TradeItem>) override {}
-    void RowMoved(std::uint32_t, std::uint32_t) override {}
+    void RowEdited(TradeItem item) override { events += "edited " + std::to_string(item) + " "; }
+    void RowsRemoved(std::span<const std::uint32_t> rows, std::span<const TradeItem> items) override {
+        events += "removed ";
+        for (std::size_t i = 0; i < rows.size(); ++i)
+            events += std::to_string(rows[i]) + ":" + std::to_string(items[i]) + " ";
+    }
+    void RowMoved(std::uint32_t from, std::uint32_t to) override {
+        events += "moved " + std::to_string(from) + " " + std::to_string(to) + " ";
+    }
     void ChangedFlagSet(bool changed) override { flags += changed ? '+' : '-'; }
     void BatchBegins() override {}
     void BatchEnds() override {}
@@ -68,7 +74,7 @@ class BookTest : public testing::Test, protected IBookObserver {
     fake::FakeHost host;
     TradeBook book{host};
     int added = 0, resets = 0;
-    std::string flags;
+    std::string flags, events;
 };
 
 TEST_F(BookTest, ANewTradeTakesTheNextIdentifierStandsOnTopAndIsReportedOnce) {
@@ -178,6 +184,84 @@ TEST_F(BookTest, AReportMayBringATradeIn) {
     EXPECT_EQ(book.Add(outer), 1);
     EXPECT_EQ(Symbols(), "INNER OUTER ");
     EXPECT_EQ(+book.Find(2)->record.veltTradeID, 2u);
+}
+
+// Five trades A to E with the identifiers 1 to 5, E on top.
+class FilledBookTest : public BookTest {
+ protected:
+    FilledBookTest() {
+        for (const char* symbol : {"A", "B", "C", "D", "E"}) {
+            TradeRecord record = Trade(symbol, symbol);
+            book.Add(record);
+        }
+        book.SetChanged(false);
+        host.sent.clear();
+        flags.clear();
+    }
+    // Rows and items find each other, and the keys are those of the rows.
+    void Check() {
+        for (std::uint32_t row = 0; row < book.RowCount(); ++row) {
+            EXPECT_EQ(book.RowOf(book.ItemAt(row)), row);
+            EXPECT_TRUE(book.Holds(book.Row(row)));
+        }
+    }
+};
+
+TEST_F(FilledBookTest, DeletedTradesLeaveRowsKeysAndTotalsAndKeepTheirMark) {
+    const TradeItem b = book.ItemOf(2), d = book.ItemOf(4);
+    EXPECT_EQ(book.Delete(std::vector<TradeItem>{b, d, b, 77}), 2u);
+    Check();
+    EXPECT_EQ(Symbols(), "E C A ");
+    EXPECT_EQ(events, "removed 1:3 3:1 ");
+    EXPECT_EQ(book.Totals().bought, 30u);
+    EXPECT_FALSE(book.Holds(Trade("B", "B")));
+    EXPECT_EQ(book.Find(2)->deleted, 1);
+    EXPECT_EQ(book.RowOf(b), kNoBookRow);
+    EXPECT_EQ(flags, "+");
+    EXPECT_EQ(Codes(), (std::vector<msg::Code>{msg::TradeReport, msg::SecondTradeReport, msg::TradeReport,
+                                               msg::SecondTradeReport}));
+    EXPECT_EQ(book.Delete(std::vector<TradeItem>{b}), 0u) << "gone is gone";
+    EXPECT_FALSE(book.Edit(b, Trade("B", "B")));
+    TradeRecord next = Trade("F", "F");
+    EXPECT_EQ(book.Add(next), 6) << "the identifiers of deleted trades stay taken";
+    EXPECT_EQ(Symbols(), "F E C A ");
+    Check();
+}
+
+TEST_F(FilledBookTest, AnEditedTradeKeepsItsIdentifierAndChangesItsKeyAndTotals) {
+    TradeRecord changed = Trade("X", "9", 77);
+    changed.side = side::Sell;
+    changed.quantity = 7;
+    EXPECT_TRUE(book.Edit(book.ItemOf(3), changed));
+    Check();
+    EXPECT_EQ(Symbols(), "E D X B A ");
+    EXPECT_EQ(+book.Find(3)->record.veltTradeID, 3u);
+    EXPECT_FALSE(book.Holds(Trade("C", "C")));
+    EXPECT_EQ(book.Totals().bought, 40u);
+    EXPECT_EQ(book.Totals().sold, 7u);
+    EXPECT_EQ(events, "edited 2 ");
+    EXPECT_EQ(flags, "+");
+    EXPECT_EQ(Codes(), std::vector<msg::Code>{msg::TradeReport});
+}
+
+TEST_F(FilledBookTest, AMovedRowChangesTheOrderAndNothingElse) {
+    book.MoveRow(0, 3);
+    EXPECT_EQ(Symbols(), "D C B E A ");
+    Check();
+    book.MoveRow(4, 0);
+    book.MoveRow(2, 1);
+    EXPECT_EQ(Symbols(), "A C D B E ");
+    Check();
+    book.MoveRow(0, 5);
+    book.MoveRow(9, 0);
+    book.MoveRow(2, 2);
+    EXPECT_EQ(events, "moved 0 3 moved 4 0 moved 2 1 ");
+    EXPECT_EQ(flags, "") << "moving is no change that asks to be saved";
+    EXPECT_TRUE(Codes().empty());
+    TradeRecord next = Trade("F", "F");
+    book.Add(next);
+    EXPECT_EQ(Symbols(), "F A C D B E ");
+    Check();
 }
 
 TEST(DuplicateKeysTest, ACountedSetAgreesWithAMultiset) {

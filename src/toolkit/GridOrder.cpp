@@ -10,16 +10,21 @@ void GridOrder::Clear() {
 
 void GridOrder::Assign(const std::vector<Entry>& entries) {
     Clear();
-    for (std::size_t begin = 0; begin < entries.size(); begin += kFill) {
+    count_ = static_cast<std::uint32_t>(entries.size());
+    Entry most[2] = {0, 0};
+    for (const Entry entry : entries)
+        most[entry >> 31] = std::max(most[entry >> 31], (entry & ~kHeadEntry) + 1);
+    chunkOf_[0].assign(most[0], kNone);
+    chunkOf_[1].assign(most[1], kNone);
+    for (std::uint32_t begin = 0; begin < count_; begin += kFill) {
         const std::uint32_t id = NewChunk(sequence_.size());
         Chunk& chunk = *chunks_[id];
-        chunk.count = static_cast<std::uint32_t>(std::min<std::size_t>(kFill, entries.size() - begin));
+        chunk.count = std::min(kFill, count_ - begin);
         for (std::uint32_t i = 0; i < chunk.count; ++i) {
             chunk.entries[i] = entries[begin + i] | kHidden;
-            SetChunkOf(entries[begin + i], id);
+            chunkOf_[entries[begin + i] >> 31][entries[begin + i] & ~kHeadEntry] = id;
         }
     }
-    count_ = static_cast<std::uint32_t>(entries.size());
 }
 
 // Chunks
@@ -28,11 +33,11 @@ std::uint32_t GridOrder::NewChunk(std::size_t position) {
     std::uint32_t id = 0;
     if (free_.empty()) {
         id = static_cast<std::uint32_t>(chunks_.size());
-        chunks_.push_back(std::make_unique<Chunk>());
+        chunks_.push_back(std::make_unique_for_overwrite<Chunk>());
     } else {
         id = free_.back();
         free_.pop_back();
-        chunks_[id] = std::make_unique<Chunk>();
+        chunks_[id] = std::make_unique_for_overwrite<Chunk>();
     }
     positionOf_.resize(chunks_.size());
     const auto at = static_cast<std::ptrdiff_t>(position);

@@ -18,8 +18,10 @@ void TextPages::Page::Add(std::string_view text) {
 
 void TextPages::Add(std::string_view text) {
     if (size_ % kPage == 0) {
+        const std::size_t like = pages_.empty() ? 0 : pages_.back().bytes.size() + kPadding;
         if (!pages_.empty()) pages_.back().bytes.shrink_to_fit();
         pages_.emplace_back().ends.reserve(kPage);
+        pages_.back().bytes.reserve(like);
     }
     pages_.back().Add(text);
     ++size_;
@@ -41,19 +43,28 @@ std::string_view TextPages::operator[](std::size_t number) const {
 
 namespace {
 
-// Whether first and last byte of a needle stand at any of 64 places. The loop has a fixed length and no way
-// out, so that the compiler does many places with one instruction.
+// Where the first and the last byte of a needle stand as far apart as they must, a 1 each. The loop has a
+// fixed length and no way out, so that the compiler does many places with one instruction.
 template <std::size_t Strip>
-bool MayBeIn(const char* at, std::size_t span, char first, char last, std::uint8_t (&places)[Strip]) {
+void MayBeAt(const char* at, std::size_t span, char first, char last, std::uint8_t (&places)[Strip]) {
     for (std::size_t i = 0; i < Strip; ++i)
         places[i] = static_cast<std::uint8_t>((at[i] == first) & (at[i + span] == last));
-    std::uint64_t any = 0;
-    for (std::size_t i = 0; i < Strip; i += 8) {
-        std::uint64_t eight = 0;
-        std::memcpy(&eight, places + i, 8);
-        any |= eight;
+}
+
+// The first place of a strip at which the needle stands, Strip: none.
+template <std::size_t Strip>
+std::size_t FindIn(const char* at, std::string_view needle) {
+    std::uint8_t places[Strip];
+    MayBeAt(at, needle.size() - 1, needle.front(), needle.back(), places);
+    for (std::size_t eight = 0; eight < Strip; eight += 8) {
+        std::uint64_t left = 0;
+        std::memcpy(&left, places + eight, 8);
+        for (; left != 0; left &= left - 1) {
+            const std::size_t i = eight + static_cast<std::size_t>(std::countr_zero(left)) / 8;
+            if (needle.size() <= 2 || std::memcmp(at + i, needle.data(), needle.size()) == 0) return i;
+        }
     }
-    return any != 0;
+    return Strip;
 }
 
 }  // namespace
@@ -61,23 +72,18 @@ bool MayBeIn(const char* at, std::size_t span, char first, char last, std::uint8
 void TextPages::Mark(std::size_t number, std::string_view needle, std::uint8_t* marks) const {
     if (needle.size() > kLongest || needle.find('\0') != needle.npos) return;
     const Page& page = pages_[number];
-    const std::size_t span = needle.size() - 1, end = page.End();
-    std::uint8_t places[kStrip];
+    const std::size_t end = page.End();
     std::size_t text = 0;
     for (std::size_t at = 0; at < end;) {
-        std::size_t next = at + kStrip;
-        if (MayBeIn(page.bytes.data() + at, span, needle.front(), needle.back(), places)) {
-            for (std::size_t i = 0; i < kStrip; ++i) {
-                if (places[i] == 0) continue;
-                if (std::memcmp(page.bytes.data() + at + i, needle.data(), needle.size()) != 0) continue;
-                while (page.ends[text] < at + i)
-                    ++text;
-                marks[text] = 1;
-                next = page.ends[text] + std::size_t{1};  // once in a text is enough
-                break;
-            }
+        const std::size_t found = FindIn<kStrip>(page.bytes.data() + at, needle);
+        if (found == kStrip) {
+            at += kStrip;
+            continue;
         }
-        at = next;
+        while (page.ends[text] < at + found)
+            ++text;
+        marks[text] = 1;
+        at = page.ends[text] + std::size_t{1};  // once in a text is enough
     }
 }
 

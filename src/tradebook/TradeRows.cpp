@@ -4,7 +4,6 @@
 #include <type_traits>
 
 #include "tradebook/TradeColumns.h"
-#include "tradebook/TradeSort.h"
 
 namespace Dravel {
 
@@ -43,7 +42,7 @@ void TradeRows::Arrange(RowArrangement arrangement) {
     levels_ = std::move(levels);
     if (!sameGroups) closed_.clear();
     if (arrange) {
-        KeepTexts();
+        KeepCells();
         if (!sameEntries) Build();
         Filter();
     } else {
@@ -68,23 +67,44 @@ std::vector<TradeRows::Level> TradeRows::LevelsOf(const RowArrangement& arrangem
     return levels;
 }
 
-// Texts of the columns that the arrangement asks for, and of no others.
-void TradeRows::KeepTexts() {
+// Cells of the columns that the arrangement asks for, and of no others.
+void TradeRows::KeepCells() {
     std::vector<bool> wanted(column::Count);
-    for (const Level& level : levels_) {
-        if (!IsNumber(level.column)) wanted[static_cast<std::size_t>(level.column)] = true;
-    }
+    for (const Level& level : levels_)
+        wanted[static_cast<std::size_t>(level.column)] = true;
     for (const ColumnFilter& filter : arrangement_.filters) {
-        if (filter.Kind() == ColumnFilter::Rule::Words)
-            wanted[static_cast<std::size_t>(filter.Column())] = true;
+        const bool words = filter.Kind() == ColumnFilter::Rule::Words;
+        if (words || !filter.CountsAsZero()) wanted[static_cast<std::size_t>(filter.Column())] = true;
     }
     texts_.resize(column::Count);
-    for (std::size_t column = 0; column < texts_.size(); ++column) {
-        if (!wanted[column]) {
-            texts_[column].reset();
-        } else if (!texts_[column]) {
-            texts_[column] = std::make_unique<TradeTexts>(book_, static_cast<int>(column));
-        }
+    numbers_.resize(column::Count);
+    const auto keep = [this](auto& cells, int column, bool want) {
+        using Cells = typename std::remove_reference_t<decltype(cells)>::element_type;
+        if (!want) cells.reset();
+        if (want && !cells) cells = std::make_unique<Cells>(book_, column);
+    };
+    for (int column = 0; column < column::Count; ++column) {
+        const auto at = static_cast<std::size_t>(column);
+        keep(texts_[at], column, wanted[at] && !IsNumber(column));
+        keep(numbers_[at], column, wanted[at] && IsNumber(column));
+    }
+}
+
+void TradeRows::ExtendCells() {
+    for (const auto& texts : texts_) {
+        if (texts) texts->Extend();
+    }
+    for (const auto& numbers : numbers_) {
+        if (numbers) numbers->Extend();
+    }
+}
+
+void TradeRows::UpdateCells(TradeItem item) {
+    for (const auto& texts : texts_) {
+        if (texts) texts->Update(item);
+    }
+    for (const auto& numbers : numbers_) {
+        if (numbers) numbers->Update(item);
     }
 }
 
@@ -106,6 +126,7 @@ void TradeRows::Drop() {
     giveBack(freeGroups_);
     giveBack(groupOf_);
     giveBack(texts_);
+    giveBack(numbers_);
 }
 
 // The least important key first: each sort keeps the order of those before it among equals.
@@ -117,7 +138,8 @@ std::vector<TradeItem> TradeRows::SortedItems() const {
         const Level& level = levels_[i];
         const TradeTexts* const texts = texts_[static_cast<std::size_t>(level.column)].get();
         const auto compare = [texts](TradeItem a, TradeItem b) { return texts->Compare(a, b); };
-        StableSort(items, texts ? texts->Keys() : NumberKeys(book_, level.column), level.ascending, compare);
+        StableSort(items, texts ? texts->Keys() : numbers_[static_cast<std::size_t>(level.column)]->Keys(),
+                   level.ascending, compare);
     }
     return items;
 }
@@ -150,9 +172,10 @@ void TradeRows::Filter() {
         } else if (filter.CountsAsZero()) {
             if (!filter.PassesNumber(0)) std::fill(passes_.begin(), passes_.end(), std::uint8_t{0});
         } else {
+            const TradeNumbers& numbers = *numbers_[static_cast<std::size_t>(filter.Column())];
             for (TradeItem item = 0; item < passes_.size(); ++item) {
-                const auto value = std::int64_t{CellInteger(book_.Record(item), filter.Column())};
-                passes_[item] &= static_cast<std::uint8_t>(filter.PassesNumber(value));
+                const bool passes = filter.PassesNumber(static_cast<std::int64_t>(numbers[item]));
+                passes_[item] &= static_cast<std::uint8_t>(passes);
             }
         }
     }
@@ -221,9 +244,8 @@ int TradeRows::Compare(std::size_t at, TradeItem a, TradeItem b) const {
     if (const TradeTexts* texts = texts_[static_cast<std::size_t>(level.column)].get(); texts) {
         order = texts->Compare(a, b);
     } else {
-        const std::uint64_t keyA = NumberKey(book_.Record(a), level.column);
-        const std::uint64_t keyB = NumberKey(book_.Record(b), level.column);
-        order = keyA < keyB ? -1 : keyA > keyB ? 1 : 0;
+        const TradeNumbers& numbers = *numbers_[static_cast<std::size_t>(level.column)];
+        order = numbers[a] < numbers[b] ? -1 : numbers[a] > numbers[b] ? 1 : 0;
     }
     return level.ascending ? order : -order;
 }
@@ -257,6 +279,8 @@ std::size_t TradeRows::Bytes() const {
                         (groupOf_.capacity() + freeGroups_.capacity()) * sizeof(std::uint32_t);
     for (const auto& texts : texts_)
         bytes += texts ? texts->Bytes() : 0;
+    for (const auto& numbers : numbers_)
+        bytes += numbers ? numbers->Bytes() : 0;
     return bytes;
 }
 

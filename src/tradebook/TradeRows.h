@@ -13,6 +13,7 @@
 #include "toolkit/GridSource.h"
 #include "tradebook/TradeBook.h"
 #include "tradebook/TradeFilter.h"
+#include "tradebook/TradeSort.h"
 #include "tradebook/TradeTexts.h"
 
 namespace Dravel {
@@ -43,8 +44,9 @@ struct RowArrangement {
 // As long as nothing is sorted, filtered or grouped the rows are the book's and nothing is kept here. Else
 // all trades of the book stand in a GridOrder, those that a filter or a closed group hides as hidden entries,
 // so that a keystroke in the filter bar decides about entries and moves none. Trades that are equal under all
-// keys stand as in the book. What is kept costs about 9 bytes a trade (13 with groups), and 2 bytes or its
-// text for each text column that is filtered, sorted or grouped by; it goes when it is needed no more.
+// keys stand as in the book. What is kept costs about 9 bytes a trade (13 with groups), and for each column
+// that is filtered, sorted or grouped by 8 bytes for a number, 2 bytes or its own length for a text; it goes
+// when it is needed no more.
 class TradeRows {
  public:
     // Both outlive it.
@@ -106,7 +108,9 @@ class TradeRows {
 
     // Arranging (TradeRows.cpp)
     std::vector<Level> LevelsOf(const RowArrangement& arrangement) const;
-    void KeepTexts();
+    void KeepCells();
+    void ExtendCells();
+    void UpdateCells(TradeItem item);
     void Build();
     void Drop();
     std::vector<TradeItem> SortedItems() const;
@@ -151,9 +155,11 @@ class TradeRows {
     std::uint32_t shown_ = 0;
     std::vector<Group> groups_;
     std::vector<std::uint32_t> freeGroups_;
-    std::vector<std::uint32_t> groupOf_;              // innermost, by item
-    std::set<std::string> closed_;                    // paths
-    std::vector<std::unique_ptr<TradeTexts>> texts_;  // by column, none where not needed
+    std::vector<std::uint32_t> groupOf_;  // innermost, by item
+    std::set<std::string> closed_;        // paths
+    // By column, none where not needed.
+    std::vector<std::unique_ptr<TradeTexts>> texts_;
+    std::vector<std::unique_ptr<TradeNumbers>> numbers_;
 };
 
 }  // namespace Dravel

@@ -128,9 +128,7 @@ void TradeRows::RedrawHeads(std::uint32_t group) {
 void TradeRows::RowAddedOnTop() {
     if (!arranged_) return display_.Inserted(0, 1);
     const TradeItem item = book_.ItemAt(0);
-    for (const auto& texts : texts_) {
-        if (texts) texts->Extend();
-    }
+    ExtendCells();
     passes_.resize(book_.ItemCount(), 0);
     passes_[item] = Passes(item) ? 1 : 0;
     const Run run = Put(item);
@@ -141,7 +139,8 @@ void TradeRows::RowAddedOnTop() {
 void TradeRows::RowsReset() {
     if (arranged_) {
         texts_.clear();
-        KeepTexts();
+        numbers_.clear();
+        KeepCells();
         Build();
         Filter();
     }
@@ -163,9 +162,7 @@ void TradeRows::PlaceAnew(TradeItem item) {
     for (std::uint32_t at = Grouped() ? groupOf_[item] : kNoGroup; at != kNoGroup; at = groups_[at].parent)
         left.push_back(at);
     const Run gone = Take(item);
-    for (const auto& texts : texts_) {
-        if (texts) texts->Update(item);
-    }
+    UpdateCells(item);
     passes_[item] = Passes(item) ? 1 : 0;
     const Run come = Put(item);
     const std::uint32_t to = order_.RowOf(item);

@@ -1,7 +1,6 @@
 // Groups of the shown rows: their heads, and what opens and closes.
 #include "formatset/NumberText.h"
 #include "tradebook/TradeRows.h"
-#include "tradebook/TradeSort.h"
 
 namespace Dravel {
 
@@ -32,12 +31,12 @@ bool TradeRows::Shows(Entry entry) const {
 // The cells that make the group, outermost first: by them a closed group is known when it comes back.
 std::string TradeRows::PathOf(std::uint32_t number) const {
     const Group& group = groups_[number];
-    const int column = levels_[group.level].column;
+    const auto column = static_cast<std::size_t>(levels_[group.level].column);
     std::string text;
-    if (const TradeTexts* texts = texts_[static_cast<std::size_t>(column)].get(); texts) {
-        text = texts->Text(group.sample);
+    if (texts_[column]) {
+        text = texts_[column]->Text(group.sample);
     } else {
-        AppendUnsigned(text, NumberKey(book_.Record(group.sample), column));
+        AppendUnsigned(text, (*numbers_[column])[group.sample]);
     }
     return group.parent == kNoGroup ? text : PathOf(group.parent) + '\0' + text;
 }

@@ -4,6 +4,7 @@
 #include <array>
 #include <bit>
 #include <cmath>
+#include <limits>
 #include <utility>
 
 #include "tradebook/TradeColumns.h"
@@ -11,26 +12,64 @@
 
 namespace Dravel {
 
-std::uint64_t OrderOfDouble(double value) {
-    constexpr std::uint64_t kSign = std::uint64_t{1} << 63;
+namespace {
+
+constexpr std::uint64_t kSign = std::uint64_t{1} << 63;
+
+std::uint64_t KeyOfDouble(double value) {
     if (std::isnan(value)) return ~std::uint64_t{0};
     const auto bits = std::bit_cast<std::uint64_t>(value == 0 ? 0.0 : value);
     return (bits & kSign) != 0 ? ~bits : bits | kSign;
 }
-
-std::uint64_t NumberKey(const TradeRecord& record, int column) {
-    if (column == column::Price) return OrderOfDouble(record.price);
-    if (column != column::StrikePrice) return CellInteger(record, column);
-    return OrderOfDouble(record.security != nullptr ? record.security->strikePrice : record.strikePrice);
+double DoubleOfKey(std::uint64_t key) {
+    return std::bit_cast<double>((key & kSign) != 0 ? key ^ kSign : ~key);
 }
 
-OrderKeys NumberKeys(const TradeBook& book, int column) {
-    OrderKeys made{std::vector<std::uint64_t>(book.ItemCount()), 64, true};
-    const bool real = kTradeColumns[static_cast<std::size_t>(column)].type == CellType::Double;
-    if (!real) made.bits = 32;
-    for (TradeItem item = 0; item < book.ItemCount(); ++item)
-        made.keys[item] = NumberKey(book.Record(item), column);
-    return made;
+// Prices and strikes are decimals: as whole hundredths or ten-thousandths they fit half the bits, and sort in
+// half the time. False when one of the values is none, or they lie too far apart.
+bool AsDecimals(const std::vector<std::uint64_t>& keys, double scale, std::vector<std::uint64_t>& decimals) {
+    constexpr double kLimit = 1e15;
+    std::int64_t least = std::numeric_limits<std::int64_t>::max(), most = -least;
+    decimals.resize(keys.size());
+    for (std::size_t i = 0; i < keys.size(); ++i) {
+        const double value = DoubleOfKey(keys[i]), scaled = value * scale;
+        if (!(scaled > -kLimit && scaled < kLimit)) return false;
+        const auto whole = static_cast<std::int64_t>(scaled < 0 ? scaled - 0.5 : scaled + 0.5);
+        if (static_cast<double>(whole) / scale != value) return false;
+        least = std::min(least, whole);
+        most = std::max(most, whole);
+        decimals[i] = static_cast<std::uint64_t>(whole);
+    }
+    if (keys.empty() || most - least > std::numeric_limits<std::uint32_t>::max()) return false;
+    for (std::uint64_t& decimal : decimals)
+        decimal -= static_cast<std::uint64_t>(least);
+    return true;
+}
+
+}  // namespace
+
+std::uint64_t NumberKey(const TradeRecord& record, int column) {
+    if (column == column::Price) return KeyOfDouble(record.price);
+    if (column != column::StrikePrice) return CellInteger(record, column);
+    return KeyOfDouble(record.security != nullptr ? record.security->strikePrice : record.strikePrice);
+}
+
+void TradeNumbers::Extend() {
+    keys_.reserve(book_.ItemCount() > keys_.capacity() ? book_.ItemCount() + book_.ItemCount() / 8 : 0);
+    for (auto item = static_cast<TradeItem>(keys_.size()); item < book_.ItemCount(); ++item)
+        keys_.push_back(NumberKey(book_.Record(item), column_));
+}
+
+void TradeNumbers::Update(TradeItem item) {
+    if (item >= keys_.size()) return Extend();
+    keys_[item] = NumberKey(book_.Record(item), column_);
+}
+
+OrderKeys TradeNumbers::Keys() const {
+    if (kTradeColumns[static_cast<std::size_t>(column_)].type == CellType::Integer) return {keys_, 32, true};
+    OrderKeys made{{}, 32, true};
+    if (AsDecimals(keys_, 100, made.keys) || AsDecimals(keys_, 10000, made.keys)) return made;
+    return {keys_, 64, true};
 }
 
 namespace {

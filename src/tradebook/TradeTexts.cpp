@@ -5,7 +5,6 @@
 #include <limits>
 #include <numeric>
 
-#include "tradebook/LowerCase.h"
 #include "tradebook/TradeColumns.h"
 
 namespace Dravel {
@@ -38,44 +37,35 @@ std::uint32_t ExpiryOrder(std::string_view text) {
 
 }  // namespace
 
-TradeTexts::TradeTexts(const TradeBook& book, int column) : book_(book), column_(column) {
+TradeTexts::TradeTexts(const TradeBook& book, int column)
+    : book_(book), column_(column), cells_(column), words_(cells_.Width()) {
     codes_.reserve(book.ItemCount() + book.ItemCount() / 8);
     Extend();
 }
 
 void TradeTexts::Extend() {
-    for (; size_ < book_.ItemCount(); ++size_) {
-        Read(size_);
-        if (packed_) {
-            pages_.Add(text_);
-            continue;
-        }
-        codes_.push_back(static_cast<std::uint16_t>(words_.CodeOf(text_)));
-        if (TooManyWords()) Pack();
+    constexpr TradeItem kAhead = 64;
+    while (size_ < book_.ItemCount()) {
+        const TradeItem end = std::min(size_ + kAhead, book_.ItemCount());
+        for (TradeItem item = size_; item < end; ++item)
+            cells_.Fetch(book_.Record(item));
+        for (; size_ < end; ++size_)
+            Add(cells_.Read(book_.Record(size_)));
     }
+}
+
+void TradeTexts::Add(std::string_view text) {
+    if (packed_) return pages_.Add(text);
+    codes_.push_back(static_cast<std::uint16_t>(words_.CodeOf(text)));
+    if (TooManyWords()) Pack();
 }
 
 void TradeTexts::Update(TradeItem item) {
     if (item >= size_) return Extend();
-    Read(item);
-    if (packed_) return pages_.Replace(item, text_);
-    codes_[item] = static_cast<std::uint16_t>(words_.CodeOf(text_));
+    const std::string_view text = cells_.Read(book_.Record(item));
+    if (packed_) return pages_.Replace(item, text);
+    codes_[item] = static_cast<std::uint16_t>(words_.CodeOf(text));
     if (TooManyWords()) Pack();
-}
-
-const std::string& TradeTexts::Read(TradeItem item) {
-    const TradeRecord& record = book_.Record(item);
-    if (column_ == column::ExpiryDate && record.security != nullptr) {
-        const auto [known, fresh] = expiries_.try_emplace(record.security);
-        if (fresh) {
-            AppendExpiry(*record.security, known->second);
-            LowerCase(known->second);
-        }
-        return text_ = known->second;
-    }
-    CellText(record, column_, text_);
-    LowerCase(text_);
-    return text_;
 }
 
 bool TradeTexts::TooManyWords() const {
@@ -88,7 +78,7 @@ void TradeTexts::Pack() {
         pages_.Add(words_[code]);
     packed_ = true;
     std::vector<std::uint16_t>().swap(codes_);
-    words_ = WordCodes();
+    words_ = WordCodes(cells_.Width());
 }
 
 void TradeTexts::KeepMatches(std::span<const std::string> needles, std::vector<std::uint8_t>& passes) const {

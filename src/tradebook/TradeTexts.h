@@ -5,9 +5,9 @@
 #include <span>
 #include <string>
 #include <string_view>
-#include <unordered_map>
 #include <vector>
 
+#include "tradebook/CellReader.h"
 #include "tradebook/OrderKeys.h"
 #include "tradebook/TextPages.h"
 #include "tradebook/TradeBook.h"
@@ -38,22 +38,19 @@ class TradeTexts {
     std::size_t Bytes() const;
 
  private:
-    const std::string& Read(TradeItem item);
-    void Put(TradeItem item);
+    void Add(std::string_view text);
     bool TooManyWords() const;
     void Pack();
     int CompareTexts(std::string_view a, std::string_view b) const;
 
     const TradeBook& book_;
     int column_;
+    CellReader cells_;
     bool packed_ = false;  // in pages_, else in codes_
     std::vector<std::uint16_t> codes_;
     WordCodes words_;
     TextPages pages_;
     std::uint32_t size_ = 0;
-    std::string text_;
-    // Formatting a date asks the system for its zone; contracts are few.
-    std::unordered_map<const SecurityMasterEntry*, std::string> expiries_;
 };
 
 }  // namespace Dravel

@@ -4,42 +4,42 @@
 
 namespace Dravel {
 
-namespace {
-
-std::uint32_t HashOf(std::string_view word) {
-    constexpr std::uint64_t kOdd = 0x9E3779B97F4A7C15;
-    std::uint64_t hash = word.size() * kOdd;
-    for (std::size_t at = 0; at < word.size(); at += 8) {
-        std::uint64_t part = 0;
-        std::memcpy(&part, word.data() + at, word.size() - at < 8 ? word.size() - at : 8);
-        hash = (hash ^ part) * kOdd;
-        hash ^= hash >> 32;
-    }
-    return static_cast<std::uint32_t>(hash);
+static std::uint64_t Part(const char* at) {
+    std::uint64_t part = 0;
+    std::memcpy(&part, at, sizeof(part));
+    return part;
 }
 
-}  // namespace
+// Each eight bytes count with a factor of their own, so that no multiplication waits for another.
+std::uint32_t WordCodes::HashOf(const char* word) const {
+    std::uint64_t factor = 0x9E3779B97F4A7C15, hash = 0;
+    for (std::size_t at = 0; at < width_; at += 8, factor += 0xD1B54A32D192ED02) {
+        const std::uint64_t part = Part(word + at);
+        hash += (part ^ part >> 32) * factor;
+    }
+    return static_cast<std::uint32_t>(hash >> 32);
+}
 
-std::string_view WordCodes::operator[](std::uint32_t code) const {
-    const std::size_t begin = code == 0 ? 0 : ends_[code - 1];
-    return {text_.data() + begin, ends_[code] - begin};
+bool WordCodes::Same(const char* a, const char* b) const {
+    std::uint64_t different = 0;
+    for (std::size_t at = 0; at < width_; at += 8)
+        different |= Part(a + at) ^ Part(b + at);
+    return different == 0;
 }
 
 std::uint32_t WordCodes::CodeOf(std::string_view word) {
-    if (last_ < Size() && (*this)[last_] == word) return last_;
-    if (2 * (ends_.size() + 1) > table_.size()) Grow();
-    const std::uint32_t hash = HashOf(word);
+    if (2 * (lengths_.size() + 1) > table_.size()) Grow();
+    const std::uint32_t hash = HashOf(word.data());
     const std::size_t mask = table_.size() - 1;
     std::size_t at = hash & mask;
     for (; table_[at].code != 0; at = (at + 1) & mask) {
-        if (table_[at].hash == hash && (*this)[table_[at].code - 1] == word)
-            return last_ = table_[at].code - 1;
+        const std::uint32_t code = table_[at].code - 1;
+        if (table_[at].hash == hash && Same(text_.data() + code * width_, word.data())) return code;
     }
-    last_ = Size();
-    text_ += word;
-    ends_.push_back(static_cast<std::uint32_t>(text_.size()));
-    table_[at] = {hash, last_ + 1};
-    return last_;
+    text_.insert(text_.end(), word.data(), word.data() + width_);
+    lengths_.push_back(static_cast<std::uint8_t>(word.size()));
+    table_[at] = {hash, Size()};
+    return Size() - 1;
 }
 
 void WordCodes::Grow() {
@@ -56,7 +56,7 @@ void WordCodes::Grow() {
 }
 
 std::size_t WordCodes::Bytes() const {
-    return text_.capacity() + ends_.capacity() * sizeof(std::uint32_t) + table_.capacity() * sizeof(Place);
+    return text_.capacity() + lengths_.capacity() + table_.capacity() * sizeof(Place);
 }
 
 }  // namespace Dravel
