@@ -4,7 +4,11 @@
 #include <gtest/gtest.h>
 
 #include <string>
+#include <vector>
 
+#include "records/RecordText.h"
+#include "support/BookRig.h"
+#include "tradebook/CellReader.h"
 #include "tradebook/LowerCase.h"
 #include "tradebook/TradeColumns.h"
 
@@ -101,6 +105,37 @@ TEST(TradeFilterTest, LowerCaseTouchesTheLettersOnly) {
         std::string text = all.substr(shift);
         LowerCase(text);
         EXPECT_EQ(text, expected.substr(shift));
+    }
+}
+
+// The packed cells are read past the column table; they must be the same, whatever the record holds.
+TEST(CellReaderTest, ReadsWhatTheColumnTableShows) {
+    SecurityMasterEntry entry{};
+    SetText(entry.exchange, std::string(48, 'E'));
+    SetText(entry.symbol, "NIFTY");
+    SetText(entry.optionType, "a\tB");
+    entry.strikePrice = 12.5;
+    entry.expiryTime = 1767225600;
+    SecurityMasterEntry other = entry;
+    other.expiryTime = 0;
+    SetText(other.expiryText, "Soon");
+    std::vector<CellReader> readers;
+    for (int column = 0; column < column::Count; ++column)
+        readers.emplace_back(column);
+    for (std::uint64_t seed = 0; seed < 300; ++seed) {
+        TradeRecord record = Dravel::Test::RandomTrade(seed);
+        if (seed % 3 != 0) record.security = seed % 3 == 1 ? &entry : &other;
+        for (int column = 0; column < column::Count; ++column) {
+            CellReader& reader = readers[static_cast<std::size_t>(column)];
+            std::string expected;
+            CellText(record, column, expected);
+            LowerCase(expected);
+            reader.Fetch(record);
+            const std::string_view cell = reader.Read(record);
+            ASSERT_EQ(cell, expected) << "column " << column << " seed " << seed;
+            for (std::size_t i = cell.size(); i < reader.Width(); ++i)
+                ASSERT_EQ(cell.data()[i], 0) << "column " << column << " seed " << seed;
+        }
     }
 }
 

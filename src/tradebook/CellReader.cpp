@@ -86,17 +86,17 @@ CellReader::CellReader(int column) : column_(column), place_(kPlaces[static_cast
 }
 
 std::string_view CellReader::Read(const TradeRecord& record) {
+    const SecurityMasterEntry* const entry = record.security;
     const char* from = reinterpret_cast<const char*>(&record) + place_.offset;
     std::size_t capacity = place_.capacity;
     if (capacity <= 1) {
         if (capacity == 1) return Keep(words_[static_cast<std::uint8_t>(*from)], record);
-        if (column_ == column::ExpiryDate && record.security != nullptr)
-            return Keep(expiries_[record.security], record);
+        if (column_ == column::ExpiryDate && entry != nullptr) return Keep(expiries_[entry], record);
         cell_.known = false;
         return Keep(cell_, record);
     }
-    if (place_.entryCapacity != 0 && record.security != nullptr) {
-        from = reinterpret_cast<const char*>(record.security) + place_.entryOffset;
+    if (place_.entryCapacity != 0 && entry != nullptr) {
+        from = reinterpret_cast<const char*>(entry) + place_.entryOffset;
         capacity = place_.entryCapacity;
     }
     return {cell_.bytes, CopyLower(from, capacity, cell_.bytes, width_)};
