@@ -34,9 +34,11 @@ int ColumnOf(const std::string& word) {
     return column;
 }
 
-RECT FieldRect(const std::string& word) {
-    const HWND field = Field(ColumnOf(word));
-    if (!field) Fail("the column has no filter field in view");
+// Fields hide while the columns move.
+RECT FieldRect(Stage& stage, const std::string& word) {
+    const int column = ColumnOf(word);
+    HWND field = nullptr;
+    stage.Until([&] { return (field = Field(column)) != nullptr; }, "the column has no filter field in view");
     RECT at{};
     GetWindowRect(field, &at);
     return at;
@@ -48,7 +50,7 @@ POINT InHeader(const RECT& field) {
 
 void ClickHeader(Stage& stage, const Words& words) {
     const std::string how = words.size() > 1 ? words[1] : "left";
-    const RECT field = FieldRect(words[0]);
+    const RECT field = FieldRect(stage, words[0]);
     if (how == "ctrl" || how == "shift") {
         SendClick(InHeader(field), Click::Left, how);
     } else if (how == "left" || how == "right") {
@@ -62,7 +64,7 @@ void ClickHeader(Stage& stage, const Words& words) {
 }
 
 void DragHeader(Stage& stage, const Words& words) {
-    const RECT from = FieldRect(words[0]), to = FieldRect(words[1]);
+    const RECT from = FieldRect(stage, words[0]), to = FieldRect(stage, words[1]);
     const bool after = words.size() > 2 && words[2] == "after";
     const LONG quarter = (to.right - to.left) / 4;
     SendDrag(InHeader(from), {after ? to.right - quarter : to.left + quarter, to.top - kAboveField});
@@ -72,13 +74,13 @@ void DragHeader(Stage& stage, const Words& words) {
 void DragDivider(Stage& stage, const Words& words) {
     int by = 0;
     if (!ParseNumber(words[1], by)) Fail("PIXELS is a number");
-    const RECT field = FieldRect(words[0]);
+    const RECT field = FieldRect(stage, words[0]);
     SendDrag({field.right, field.top - kAboveField}, {field.right + by, field.top - kAboveField});
     stage.InputTaken();
 }
 
 void ClickFilter(Stage& stage, const Words& words) {
-    const RECT field = FieldRect(words[0]);
+    const RECT field = FieldRect(stage, words[0]);
     SendClick({(field.left + field.right) / 2, (field.top + field.bottom) / 2}, Click::Left);
     stage.InputTaken();
 }
@@ -134,7 +136,7 @@ void ExpectWidth(Stage& stage, const Words& words) {
     if (!ParseNumber(words[1], least) || !ParseNumber(words.back(), most)) Fail("widths are numbers");
     LONG width = 0;
     const auto fits = [&] {
-        const RECT field = FieldRect(words[0]);
+        const RECT field = FieldRect(stage, words[0]);
         width = field.right - field.left + 1;  // the line beside it belongs to the column
         return width >= least && width <= most;
     };

@@ -72,6 +72,12 @@ TEST_F(GridViewTest, FrozenColumnsStayWhileTheOthersScroll) {
     view.Clamp();
     EXPECT_EQ(view.ScrollX(), 0);
     EXPECT_EQ(At(205, 42), "cell 1 col60");
+    columns.SetFrozenRoom(155);  // two columns fit
+    EXPECT_EQ(columns.Frozen(), 2);
+    columns.SetFrozenRoom(20);
+    EXPECT_EQ(columns.Frozen(), 0);
+    columns.SetFrozenRoom(1000);
+    EXPECT_EQ(columns.Frozen(), 4);
 }
 
 TEST_F(GridViewTest, ScrollsByWholeRowsOverTheFullRange) {

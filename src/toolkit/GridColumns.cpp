@@ -115,6 +115,17 @@ void GridColumns::SetDpi(int dpi) {
     Layout();
 }
 
+void GridColumns::SetFrozen(int count) {
+    frozen_ = std::max(count, 0);
+    Layout();
+}
+
+void GridColumns::SetFrozenRoom(int pixels) {
+    if (pixels == frozenRoom_) return;
+    frozenRoom_ = pixels;
+    Layout();
+}
+
 int GridColumns::Left(int position) const {
     return lefts_[static_cast<std::size_t>(std::clamp(position, 0, ShownCount()))];
 }
@@ -133,6 +144,9 @@ void GridColumns::Layout() {
     for (const int column : shown_) {
         lefts_.push_back(lefts_.back() + Scale(columns_[static_cast<std::size_t>(column)].width, dpi_));
     }
+    frozenFits_ = std::min(frozen_, ShownCount());
+    while (frozenFits_ > 0 && lefts_[static_cast<std::size_t>(frozenFits_)] > frozenRoom_)
+        --frozenFits_;
 }
 
 }  // namespace Dravel

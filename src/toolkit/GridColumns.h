@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <limits>
 #include <span>
 #include <string>
 #include <string_view>
@@ -52,9 +53,11 @@ class GridColumns {
     std::vector<std::int32_t> OrderArray() const;
     void SetOrderArray(std::span<const std::int32_t> order);
 
-    // The first `count` shown columns stay while the others scroll.
-    void SetFrozen(int count) { frozen_ = count < 0 ? 0 : count; }
-    int Frozen() const { return frozen_ < ShownCount() ? frozen_ : ShownCount(); }
+    // The first `count` shown columns stay while the others scroll, as far as they fit into the room set:
+    // frozen columns over the whole width would leave the others out of reach.
+    void SetFrozen(int count);
+    void SetFrozenRoom(int pixels);
+    int Frozen() const { return frozenFits_; }
 
     // Geometry in pixels at the resolution set, unscrolled, from the left edge of position 0.
     void SetDpi(int dpi);
@@ -73,7 +76,9 @@ class GridColumns {
     std::vector<GridColumn> columns_;
     std::vector<int> shown_;     // column numbers by position
     std::vector<int> lefts_{0};  // by position, one more for the end
-    int frozen_ = 0;
+    int frozen_ = 0;             // as set
+    int frozenFits_ = 0;         // as it is in effect
+    int frozenRoom_ = std::numeric_limits<int>::max();
     int dpi_ = 96;
 };
 

@@ -84,7 +84,7 @@ class CKRVPGridCtrl {
     void SetColumnLocked(int column, bool locked);
     void MoveColumn(int column, int position);
     void SetColumnOrder(std::span<const std::int32_t> order);
-    void FreezeColumns(int count);  // brought into 0..kMaxGridFrozen
+    void FreezeColumns(int count);  // brought into 0..kMaxGridFrozen; those that fit into the window
     void FitColumn(int column);     // to its header and the cells in view
     void FitColumns();              // all that are shown and not locked
     void EnableHeader(bool enable);
@@ -107,7 +107,8 @@ class CKRVPGridCtrl {
     bool FilterBarShown() const { return model_.Filter().Shown(); }
     const std::string& FilterBarName() const { return filterName_; }
     void SetFilterText(int column, std::string_view text);  // as if typed
-    void FocusFilter(int column);  // gives the keyboard to the column's field, brought into view
+    void FocusFilter(
+        int column);  // gives the keyboard to the column's field, brought into view (Ctrl+Shift+F)
 
     // Groups by the column, as the innermost, or no longer; OnGroupsChanged when that is a change.
     void GroupBy(int column, bool group);
@@ -231,6 +232,7 @@ class CKRVPGridCtrl {
     bool MakeFont(const Dravel::FontBytes& font);
     bool UpdateDpi();  // true: another one than before
     void ShowFilterBar(bool show);
+    void SetFrozenRoom();
     void ClearHiddenFilters();
 
     Dravel::GridModel model_;

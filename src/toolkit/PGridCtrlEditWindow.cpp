@@ -253,12 +253,13 @@ LRESULT GridEditor::Message(HWND window, UINT message, WPARAM wparam, LPARAM lpa
             return DefSubclassProc(window, message, wparam, lparam) | DLGC_WANTALLKEYS;
         case WM_KEYDOWN:
         case WM_SYSKEYDOWN:
+            if (GridInput(grid_).FieldKey(message, wparam, lparam, EditsText(wparam, HeldModifiers())))
+                return 0;
             if (KeyDown(wparam, message == WM_SYSKEYDOWN)) return 0;
             erasing_ = wparam == VK_BACK || wparam == VK_DELETE;
             break;
         case WM_CHAR:
-            // Control characters beep; what Tab, Enter and Escape do was done when they went down.
-            if (wparam == VK_TAB || wparam == VK_RETURN || wparam == VK_ESCAPE || wparam == 1) return 0;
+            if (IsStrayCharacter(wparam)) return 0;
             break;
         case WM_MOUSEWHEEL:
             if (list_.IsOpen()) {

@@ -16,19 +16,8 @@ using namespace Dravel;
 
 namespace {
 
-constexpr int kMaxUnits = 1024;                          // of a filter's text, UTF-16
-constexpr WPARAM kTypedControls[] = {3, 8, 22, 24, 26};  // copy, back, paste, cut, undo as characters
-constexpr WPARAM kFieldLetters[] = {'A', 'C', 'V', 'X', 'Z'};
-
-bool Contains(std::span<const WPARAM> list, WPARAM value) {
-    return std::find(list.begin(), list.end(), value) != list.end();
-}
-
-// With Ctrl or alone these edit the field's text; everything else may be a command of the grid.
-bool EditsText(WPARAM key, GridModifierKeys held) {
-    if (key == VK_DELETE || key == VK_INSERT || key == VK_BACK) return true;
-    return held == GridModifierKeys{.ctrl = true} && Contains(kFieldLetters, key);
-}
+constexpr UINT kSettleMilliseconds = 100;
+constexpr int kMaxUnits = 1024;  // of a filter's text, UTF-16
 
 std::wstring TextOf(HWND field) {
     std::wstring text(kMaxUnits, L'\0');
@@ -82,7 +71,23 @@ void GridFilterBar::Layout() {
     }
 }
 
-// Moves what moved only: scrolling sideways comes by here for every step of the thumb.
+void GridFilterBar::BeginMoving() {
+    if (!grid_.FilterBarShown()) return;
+    moving_ = true;
+    SetTimer(static_cast<HWND>(grid_.Window()), kGridSettleTimer, kSettleMilliseconds, nullptr);
+}
+
+void GridFilterBar::EndMoving() {
+    KillTimer(static_cast<HWND>(grid_.Window()), kGridSettleTimer);
+    moving_ = false;
+    Layout();
+}
+
+bool GridFilterBar::Shows(int column) const {
+    const auto index = static_cast<std::size_t>(column);
+    return index < fields_.size() && fields_[index].shown;
+}
+
 void GridFilterBar::Place(int column, const Rect& place, bool shown) {
     Field& field = At(column);
     const int height = grid_.state_->textHeight + 2;
@@ -92,12 +97,14 @@ void GridFilterBar::Place(int column, const Rect& place, bool shown) {
         at = {-32000, at.top, -32000 + 100, at.top + height};
         shown = true;
     }
-    if (field.shown == shown && (!shown || EqualRect(&field.place, &at))) return;
+    const bool moved = !EqualRect(&field.place, &at);
+    if (moving_ && moved && GetFocus() != field.window) shown = false;
+    if (field.shown == shown && (!shown || !moved)) return;
     const HWND window = field.window;
     const UINT visible = shown == field.shown ? 0u : (shown ? SWP_SHOWWINDOW : SWP_HIDEWINDOW);
-    field.place = at;
     field.shown = shown;
     if (shown) {
+        field.place = at;
         SetWindowPos(window, nullptr, at.left, at.top, at.right - at.left, at.bottom - at.top,
                      SWP_NOZORDER | SWP_NOACTIVATE | SWP_NOCOPYBITS | visible);
     } else {
@@ -189,7 +196,7 @@ LRESULT GridFilterBar::Message(HWND window, UINT message, WPARAM wparam, LPARAM 
             if (message == WM_KEYDOWN && KeyDown(window, wparam, column)) return 0;
             break;
         case WM_CHAR:
-            if ((wparam < ' ' || wparam == 127) && !Contains(kTypedControls, wparam)) return 0;
+            if (IsStrayCharacter(wparam)) return 0;
             break;
         case WM_MOUSEWHEEL:
         case WM_MOUSEHWHEEL:
@@ -250,7 +257,9 @@ void GridFilterBar::GoToRows(int column) {
     SetFocus(window);
     // Who takes the focus may do anything.
     if (!IsWindow(window) || grid_.RowCount() == 0) return;
-    if (grid_.CurrentRow() == kNoRow) grid_.SetCurrent(grid_.Model().View().TopRow(), column);
+    if (grid_.CurrentRow() == kNoRow) return grid_.SetCurrent(grid_.Model().View().TopRow(), column);
+    grid_.MutableModel().MoveCurrent(grid_.CurrentRow(), column);  // the selection stays
+    grid_.ModelChanged();
 }
 
 // From field to field in the order on the screen, round at the ends.

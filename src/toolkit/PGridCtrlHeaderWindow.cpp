@@ -21,6 +21,7 @@ void GridInput::HeaderClick(int column) {
 }
 
 void GridInput::DragDivider(int x) {
+    state.filter.BeginMoving();
     model.Columns().SetPixelWidth(model.Columns().Position(state.dragColumn),
                                   state.dragWidth + x - state.dragX);
     grid.ModelChanged();
@@ -50,6 +51,7 @@ void GridInput::ScrollHeader(int x, int width) {
     const int left = view.ClipLeft(model.Columns().ShownCount()), step = Scale(24, state.dpi);
     const int to = view.ScrollX() + (x < left ? -step : x >= width ? step : 0);
     if (to == view.ScrollX()) return;
+    state.filter.BeginMoving();
     view.SetScrollX(to);
     DragHeader(x);
     grid.ModelChanged();
@@ -134,5 +136,5 @@ void GridInput::HeaderCommand(GridHeaderCommand command, int column) {
 
 void GridInput::Freeze(int count) {
     grid.FreezeColumns(count);
-    grid.OnFrozenChanged(model.Columns().Frozen());
+    grid.OnFrozenChanged(count);
 }

@@ -9,7 +9,6 @@ using namespace Dravel;
 
 namespace {
 
-constexpr UINT_PTR kAutoScrollTimer = 1;
 constexpr UINT kAutoScrollMilliseconds = 50;
 constexpr int kWheelColumnsPixels = 60;  // sideways per notch, at 96 dpi
 
@@ -39,6 +38,7 @@ bool GridInput::Mouse(UINT message, WPARAM, LPARAM lparam) {
             Move(x, y);
             return true;
         case WM_LBUTTONUP:
+            Move(x, y);  // the last step of a quick drag may come with the release only
             LeftUp();
             return true;
         case WM_RBUTTONDOWN:
@@ -66,7 +66,7 @@ void GridInput::Begin(GridDrag kind, int column, int x) {
     state.dropMark = -1;
     const int position = model.Columns().Position(column);
     state.dragWidth = position < 0 ? 0 : model.Columns().PixelWidth(position);
-    if (kind != GridDrag::Divider) SetTimer(Window(), kAutoScrollTimer, kAutoScrollMilliseconds, nullptr);
+    if (kind != GridDrag::Divider) SetTimer(Window(), kGridScrollTimer, kAutoScrollMilliseconds, nullptr);
 }
 
 // What is under a point, group heads told from ordinary rows.
@@ -171,7 +171,7 @@ bool GridInput::CancelDrag() {
 
 void GridInput::EndDrag() {
     if (state.drag == GridDrag::None) return;
-    KillTimer(Window(), kAutoScrollTimer);
+    KillTimer(Window(), kGridScrollTimer);
     state.drag = GridDrag::None;
     state.dragMoved = false;
     state.dropMark = -1;
@@ -234,6 +234,7 @@ bool GridInput::Scroll(UINT message, WPARAM wparam) {
     if (vertical) {
         view.SetTopRow(to);
     } else {
+        state.filter.BeginMoving();
         view.SetScrollX(to);
     }
     grid.ModelChanged();
@@ -244,6 +245,7 @@ bool GridInput::Wheel(UINT message, WPARAM wparam) {
     const int turned = GET_WHEEL_DELTA_WPARAM(wparam);
     GridView& view = model.View();
     if (message == WM_MOUSEHWHEEL || HeldModifiers().shift) {
+        state.filter.BeginMoving();
         state.wheelColumns +=
             (message == WM_MOUSEHWHEEL ? turned : -turned) * Scale(kWheelColumnsPixels, state.dpi);
         view.SetScrollX(view.ScrollX() + state.wheelColumns / WHEEL_DELTA);

@@ -76,6 +76,11 @@ bool GridInput::Accelerator(std::uint32_t key, GridModifierKeys modifiers) {
 bool GridInput::ModelKey(std::uint32_t key, GridModifierKeys modifiers) {
     if (modifiers.alt) return false;
     if (GroupKey(key)) return true;
+    if (key == 'F' && modifiers.ctrl && modifiers.shift && grid.FilterBarShown()) {
+        const int column = model.CurrentColumn();
+        grid.FocusFilter(column < 0 ? model.Columns().AtPosition(0) : column);
+        return true;
+    }
     if (key == VK_F2 && !modifiers.ctrl && !modifiers.shift) {
         state.editor.Open(0);
         return true;

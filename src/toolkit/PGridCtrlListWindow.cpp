@@ -86,7 +86,8 @@ void GridDropList::Place(const RECT& cell) {
     choices_.SetPage(static_cast<std::size_t>(std::max<LONG>((height - 2) / rowHeight_, 1)));
     SetBar();
     SetWindowPos(window_, HWND_TOPMOST, left, under ? at.bottom : at.top - height, width, height,
-                 SWP_NOACTIVATE | SWP_SHOWWINDOW);
+                 SWP_NOACTIVATE);
+    ShowWindow(window_, SW_SHOWNOACTIVATE);
     SetTimer(window_, kMovedTimer, kMovedMilliseconds, nullptr);
 }
 

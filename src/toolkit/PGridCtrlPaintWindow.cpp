@@ -36,10 +36,11 @@ class Painter {
 
     void Rows(const RECT& dirty, std::string& ansi, std::wstring& wide);
     void Header(bool markSort, int dragged, int dropMark, std::wstring& wide);
-    void Band();
+    void Band(std::wstring& wide);
     void EditButton();
     void RightOfColumns(const RECT& dirty);
 
+    const GridFilterBar* filterBar = nullptr;
     Rect editButton;  // of the cell that is edited, empty: none
     bool focused = false, rowLines = true, columnLines = true;
 
@@ -52,6 +53,7 @@ class Painter {
     void RowHeader(std::uint32_t row) const;
     void Cell(std::uint32_t row, int position, CellLook look, std::string& ansi, std::wstring& wide);
     CellLook LookOf(std::uint32_t row) const;
+    void FilterText(int column, const RECT& area, std::wstring& wide) const;
     void GroupHead(std::uint32_t row, const GridGroupHead& head, std::string& ansi, std::wstring& wide) const;
     void GroupBox(const Rect& box, bool open, COLORREF back) const;
     void HeaderCell(int position, bool markSort, bool dragged, std::wstring& wide) const;
@@ -198,6 +200,8 @@ void Painter::Row(std::uint32_t row, std::string& ansi, std::wstring& wide) {
     const LONG bottom = view_.RowTop(row) + view_.Metrics().rowHeight;
     const LONG right = std::min(view_.ColumnLeft(columns_.ShownCount()), width_);
     Fill({view_.Metrics().rowHeaderWidth, bottom - 1, right, bottom}, rowLines ? palette_.line : look.back);
+    const LONG frozen = view_.ClipLeft(columns_.ShownCount());
+    if (columns_.Frozen() > 0) Fill({frozen - 1, view_.RowTop(row), frozen, bottom}, palette_.mark);
     RowHeader(row);
 }
 
@@ -209,8 +213,6 @@ void Painter::Rows(const RECT& dirty, std::string& ansi, std::wstring& wide) {
         const int top = view_.RowTop(row);
         if (top < dirty.bottom && top + rowHeight > dirty.top) Row(row, ansi, wide);
     }
-    const LONG frozen = view_.ClipLeft(columns_.ShownCount());
-    if (columns_.Frozen() > 0) Fill({frozen - 1, view_.RowsTop(), frozen, height_}, palette_.mark);
     const LONG below = end <= view_.TopRow() ? view_.RowsTop() : view_.RowTop(end);
     if (below < height_) Fill({0, below, width_, height_}, palette_.window);
 }
@@ -288,16 +290,28 @@ void Painter::EditButton() {
     Triangle({{x - half, y - half / 2}, {x + half, y - half / 2}, {x, y + half - half / 2}}, palette_.mark);
 }
 
+// What a field says that is not on the screen itself, else only its colour round it.
+void Painter::FilterText(int column, const RECT& area, std::wstring& wide) const {
+    const GridFilter& filter = model_.Filter();
+    const bool active = filter.Active(column), empty = filter.Text(column).empty();
+    const COLORREF back = active ? palette_.filter : palette_.window;
+    if (filterBar->Shows(column)) return Fill(area, back);
+    Widen(empty ? filter.Hint() : filter.Text(column), wide);
+    SetBkColor(device_, back);
+    SetTextColor(device_, empty ? palette_.hint : palette_.text);
+    ExtTextOutW(device_, area.left + padding_ - 1, area.top + (area.bottom - area.top - textHeight_) / 2,
+                ETO_OPAQUE | ETO_CLIPPED, &area, wide.data(), static_cast<UINT>(wide.size()), nullptr);
+}
+
 // The fields are windows of their own; this is what stands round them.
-void Painter::Band() {
+void Painter::Band(std::wstring& wide) {
     const LONG top = view_.Metrics().headerHeight, bottom = view_.RowsTop();
     if (bottom == top) return;
     Fill({0, top, width_, bottom - 1}, palette_.window);
     for (int position = columns_.ShownCount() - 1; position >= 0; --position) {
         RECT cell{}, clip{};
         if (!Shown(position, cell, clip)) continue;
-        const bool active = model_.Filter().Active(columns_.AtPosition(position));
-        Fill({clip.left, top, clip.right - 1, bottom - 1}, active ? palette_.filter : palette_.window);
+        FilterText(columns_.AtPosition(position), {clip.left, top, clip.right - 1, bottom - 1}, wide);
         Fill({clip.right - 1, top, clip.right, bottom - 1}, palette_.line);
     }
     const LONG left = view_.Metrics().rowHeaderWidth, frozen = view_.ClipLeft(columns_.ShownCount());
@@ -346,13 +360,14 @@ void GridPaint::Paint(CKRVPGridCtrl& grid, HDC screen, const RECT& dirty) {
     Painter painter(grid.model_, grid.source_, device, client.right, client.bottom, state.dpi,
                     state.textHeight);
     painter.focused = state.focused || state.editor.Active();
+    painter.filterBar = &state.filter;
     painter.editButton = state.editor.Button();
     painter.rowLines = grid.rowLines_;
     painter.columnLines = grid.columnLines_;
     painter.RightOfColumns(dirty);
     painter.Rows(dirty, state.ansi, state.wide);
     painter.EditButton();
-    painter.Band();
+    painter.Band(state.wide);
     painter.Header(grid.markSort_, state.dragMoved ? state.dragColumn : -1,
                    state.dragMoved ? state.dropMark : -1, state.wide);
     BitBlt(screen, dirty.left, dirty.top, dirty.right - dirty.left, dirty.bottom - dirty.top, device,

@@ -12,6 +12,8 @@ using namespace Dravel;
 
 // Room above and below a text, at 96 dpi.
 constexpr int kRowPadding = 3, kHeaderPadding = 5, kBandPadding = 3;
+// What frozen columns leave of the window for the others.
+constexpr int kLeastScrolled = 60;
 
 HWND Handle(void* window) {
     return static_cast<HWND>(window);
@@ -100,6 +102,7 @@ bool CKRVPGridCtrl::Dispatch(std::uint32_t message, std::uintptr_t wparam, std::
         }
         case WM_SIZE:
             model_.View().SetClient(LOWORD(lparam), HIWORD(lparam));
+            SetFrozenRoom();
             UpdateScrollBars();
             ViewMoved();
             return true;
@@ -150,7 +153,8 @@ bool CKRVPGridCtrl::Dispatch(std::uint32_t message, std::uintptr_t wparam, std::
             input.EndDrag();
             return true;
         case WM_TIMER:
-            input.AutoScroll();
+            if (wparam == kGridScrollTimer) input.AutoScroll();
+            if (wparam == kGridSettleTimer) state_->filter.EndMoving();
             return true;
         case kGridRefocus:
             state_->editor.Refocus();
@@ -227,7 +231,16 @@ void CKRVPGridCtrl::UpdateMetrics() {
          .bandHeight = FilterBarShown() ? text.tmHeight + 2 + 2 * Scale(kBandPadding, dpi) + 1 : 0,
          .rowHeight = text.tmHeight + 2 * Scale(kRowPadding, dpi) + 1,
          .rowHeaderWidth = rowHeader_ ? Scale(rowHeaderWidth_, dpi) : 0});
+    SetFrozenRoom();
     ModelChanged();
+}
+
+void CKRVPGridCtrl::SetFrozenRoom() {
+    RECT client{};
+    GetClientRect(Handle(window_), &client);
+    const int taken = model_.View().Metrics().rowHeaderWidth + Scale(kLeastScrolled, state_->dpi);
+    model_.Columns().SetFrozenRoom(std::max<int>(client.right - taken, 0));
+    model_.View().Clamp();
 }
 
 void CKRVPGridCtrl::UpdateScrollBars() {

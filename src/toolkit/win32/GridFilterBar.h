@@ -18,6 +18,11 @@ class GridFilterBar {
 
     // After anything that may move, show or hide a field, and after another font.
     void Layout();
+    // The columns are on the move under the user's hand: fields whose place changes hide, and the grid draws
+    // what they say, until it is over. Moving windows at each step would cost more than drawing the rows.
+    void BeginMoving();
+    void EndMoving();
+    bool Shows(int column) const;  // the field itself is on the screen
     void SetFont();
     void ShowText(int column);  // the model's text into the field
     void Focus(int column);
@@ -52,4 +57,5 @@ class GridFilterBar {
     std::vector<Field> fields_;  // by column number
     HBRUSH brush_ = nullptr;     // of a field that filters
     bool writing_ = false;       // a text that comes from the model
+    bool moving_ = false;
 };

@@ -5,6 +5,7 @@
 #include <windows.h>
 
 #include <bitset>
+#include <cwchar>
 #include <string>
 
 #include "toolkit/PGridCtrl.h"
@@ -15,8 +16,22 @@ namespace Dravel {
 
 enum class GridDrag : std::uint8_t { None, Rows, Divider, Header };
 
+// Timers of the grid's window: scrolling while a drag is held outside, and the end of moving columns.
+inline constexpr UINT_PTR kGridScrollTimer = 1, kGridSettleTimer = 2;
+
 // Posted by the editor to the grid: give it the keyboard back.
 inline constexpr UINT kGridRefocus = WM_APP + 0x31;
+
+// Characters that a field within the grid must not see: what their keys do was done when they went down, and
+// an edit control beeps at them or shows a box. Copy, back, paste, cut and undo are its own.
+inline bool IsStrayCharacter(WPARAM unit) {
+    return unit == 127 || (unit < ' ' && unit != 3 && unit != 8 && unit != 22 && unit != 24 && unit != 26);
+}
+// Keys that edit a field's text; any other may be a command of the grid.
+inline bool EditsText(WPARAM key, GridModifierKeys held) {
+    if (key == VK_DELETE || key == VK_INSERT || key == VK_BACK) return true;
+    return held == GridModifierKeys{.ctrl = true} && key != 0 && wcschr(L"ACVXZ", static_cast<int>(key));
+}
 
 inline GridModifierKeys HeldModifiers() {
     const auto held = [](int key) { return GetKeyState(key) < 0; };
