@@ -86,10 +86,14 @@ POINT InGrid(const std::string& x, const std::string& y) {
 
 void ClickCommand(Stage& stage, const Words& words) {
     const std::string how = words.size() > 2 ? words[2] : "left";
-    if (how != "left" && how != "right" && how != "double") Fail("left, right or double");
-    SendClick(InGrid(words[0], words[1]), how == "right"    ? Click::Right
-                                          : how == "double" ? Click::Double
-                                                            : Click::Left);
+    const bool held = how == "ctrl" || how == "shift";
+    if (how != "left" && how != "right" && how != "double" && !held)
+        Fail("left, right, double, ctrl or shift");
+    SendClick(InGrid(words[0], words[1]),
+              how == "right"    ? Click::Right
+              : how == "double" ? Click::Double
+                                : Click::Left,
+              held ? how : "");
     stage.InputTaken();
 }
 
@@ -188,7 +192,7 @@ constexpr CommandEntry kCommands[] = {
     {"focus-grid", "", 0, 0, FocusGrid},
     {"key", "KEYS...", 1, 99, Key},
     {"type", "TEXT", 1, 1, Type},
-    {"click", "X Y [left|right|double]", 2, 3, ClickCommand},
+    {"click", "X Y [left|right|double|ctrl|shift]", 2, 3, ClickCommand},
     {"drag", "X Y TOX TOY", 4, 4, Drag},
     {"set-grid-text", "CONTROL TEXT", 2, 2, SetGridText},
     {"dump-grid", "FILE", 1, 1, DumpGrid},
