@@ -1,5 +1,6 @@
 // Commands that work in the trade grid: its commands, keys, the mouse, and reading it through the clipboard.
 #include <algorithm>
+#include <charconv>
 #include <fstream>
 
 #include "Commands.h"
@@ -187,6 +188,21 @@ void ExpectCell(Stage& stage, const Words& words) {
     if (!Matches(FromUtf8(words[2]), Wide(cell))) Fail("the cell says \"" + ToUtf8(Wide(cell)) + '"');
 }
 
+// The colour of a point of the grid, as six hexadecimal digits, red first.
+void ExpectColour(Stage& stage, const Words& words) {
+    const POINT at = InGrid(words[0], words[1]);
+    char seen[8] = "";
+    const auto same = [&] {
+        const HDC screen = GetDC(nullptr);
+        const COLORREF colour = GetPixel(screen, at.x, at.y);
+        ReleaseDC(nullptr, screen);
+        const std::uint32_t rgb = GetRValue(colour) << 16 | GetGValue(colour) << 8 | GetBValue(colour);
+        *std::to_chars(seen, seen + 7, 0x1000000 | rgb, 16).ptr = 0;
+        return words[2] == seen + 1;
+    };
+    if (!stage.Holds(same, stage.limit)) Fail(std::string("it is ") + (seen + 1));
+}
+
 constexpr CommandEntry kCommands[] = {
     {"command", "ID|NAME", 1, 1, Command},
     {"focus-grid", "", 0, 0, FocusGrid},
@@ -197,6 +213,7 @@ constexpr CommandEntry kCommands[] = {
     {"set-grid-text", "CONTROL TEXT", 2, 2, SetGridText},
     {"dump-grid", "FILE", 1, 1, DumpGrid},
     {"expect-rows", "COUNT", 1, 1, ExpectRows},
+    {"expect-colour", "X Y RRGGBB", 3, 3, ExpectColour},
     {"expect-cell", "ROW COLUMN TEXT", 3, 3, ExpectCell},
 };
 

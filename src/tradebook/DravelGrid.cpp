@@ -90,6 +90,7 @@ void CDravelGrid::AnnounceGrid() {
 void CDravelGrid::LoadProperties(std::string_view key) {
     properties_.Load(settings_, key);
     ApplyProperties();
+    // Only what the user switches on himself is told of: at a start, the terminal knows no trade yet.
     book_.SetAnalysisOnly(properties_.tradeForGreekAnalysisOnly);
     if (!properties_.tradeForGreekAnalysisOnly) book_.ReportAll();
 }

@@ -4,6 +4,7 @@
 #include <functional>
 #include <string>
 
+#include "toolkit/PropertyListCtrl.h"
 #include "tradebook/BarContext.h"
 #include "tradebook/GridProperties.h"
 #include "tradebook/PriceDivisors.h"
@@ -119,6 +120,10 @@ class CDravelGrid final : public CVELTSGridCtrl,
     void ExportCsv();
     void WriteExport(const std::filesystem::path& path);
     void SwitchMultipleSort();
+    void ChooseFields();
+    void EditProperties();
+    void PropertyChanged(const Dravel::PropertyChange& change);
+    void SetAnalysisOnly(bool on);
 
     void InsertColumns();
     void ApplyFont();

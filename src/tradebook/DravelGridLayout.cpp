@@ -1,5 +1,8 @@
 // The grid's commands about its look: column layout, properties, field chooser.
+#include "tradebook/DlgGridProperties.h"
 #include "tradebook/DravelGrid.h"
+#include "tradebook/base/FieldChoose.h"
+#include "tradebook/base/GridNames.h"
 
 using namespace Dravel;
 
@@ -9,6 +12,8 @@ bool CDravelGrid::LayoutCommand(std::uint32_t id) {
         void (CDravelGrid::*run)();
     } kCommands[] = {
         {command::ExportCsv, &CDravelGrid::ExportCsv},
+        {command::FieldChooser, &CDravelGrid::ChooseFields},
+        {command::Properties, &CDravelGrid::EditProperties},
         {command::SaveLayout, &CDravelGrid::SaveLayout},
         {command::MultipleSort, &CDravelGrid::SwitchMultipleSort},
     };
@@ -37,4 +42,46 @@ void CDravelGrid::SaveProperties(std::string_view key) {
     const auto* font = reinterpret_cast<const std::uint8_t*>(GridFont().data());
     properties_.font.assign(font, font + GridFont().size());
     properties_.Save(settings_, key);
+}
+
+void CDravelGrid::ChooseFields() {
+    CFieldChoose(*this, kTradeBookGrid).Open(Window());
+}
+
+void CDravelGrid::EditProperties() {
+    DlgGridProperties dialog(properties_, GridFont(),
+                             [this](const PropertyChange& change) { PropertyChanged(change); });
+    dialog.Open(Window());
+    if (!Window()) return;  // the bar went while the dialog was open, and has saved them
+    SaveProperties(kGridKey);
+    context_.SaveSettings();
+}
+
+// One edited item counts at once.
+void CDravelGrid::PropertyChanged(const PropertyChange& change) {
+    const auto property = static_cast<GridProperty>(change.id);
+    if (property == GridProperty::Font) {
+        SetGridFont(change.font);
+        return;
+    }
+    if (!ChangeProperty(properties_, property, change.value)) {
+        if (property == GridProperty::ColumnFreeze)
+            user_.Box("You have permission to choose maximum 10 Columns to Freeze", "Dravel", Buttons::Ok,
+                      Icon::Warning);
+        return;
+    }
+    if (property == GridProperty::TradeForGreekAnalysisOnly) {
+        SetAnalysisOnly(properties_.tradeForGreekAnalysisOnly);
+    } else {
+        FreezeColumns(properties_.columnFreeze);
+        ShowRowLines(properties_.showGridRow);
+    }
+    Redraw();
+}
+
+// On: the book is withdrawn from normal handling, each trade reported once for analysis. Off: each is a trade
+// again.
+void CDravelGrid::SetAnalysisOnly(bool on) {
+    book_.SetAnalysisOnly(on);
+    book_.ReportAll({.trade = !on, .second = on});
 }

@@ -11,15 +11,21 @@ struct MenuEntry {
     const wchar_t* text;
     bool needsSelection = false;
 };
+// Only commands that do something now.
 constexpr MenuEntry kMenu[] = {
     {command::Import, L"&Import Trades...\tCtrl+I"},
     {command::Save, L"&Save\tCtrl+S"},
+    {command::ExportCsv, L"&Export CSV...\tCtrl+E"},
     {0, nullptr},
     {command::Copy, L"&Copy\tCtrl+C", true},
-    {command::CopyHtml, L"Copy As &HTML\tCtrl+Shift+C"},
+    {command::CopyHtml, L"Copy as &HTML\tCtrl+Shift+C"},
     {command::ClearSelection, L"C&lear Selection", true},
     {0, nullptr},
     {command::FilterBar, nullptr},
+    {command::FieldChooser, L"&Field Chooser..."},
+    {command::MultipleSort, L"&Multiple Sort"},
+    {command::SaveLayout, L"Sa&ve Layout"},
+    {command::Properties, L"P&roperties...\tAlt+Enter"},
 };
 
 }  // namespace
@@ -27,10 +33,14 @@ constexpr MenuEntry kMenu[] = {
 void CDravelGrid::OnContextMenu(int x, int y, const GridHit&) {
     const HMENU menu = CreatePopupMenu();
     if (!menu) return;
+    const std::wstring filter = std::wstring(FilterMenuText()) + L"\tCtrl+F";
     for (const MenuEntry& entry : kMenu) {
-        const UINT grey = entry.needsSelection && Selection().Empty() ? MF_GRAYED : 0u;
-        const wchar_t* text = entry.command == command::FilterBar ? FilterMenuText() : entry.text;
-        AppendMenuW(menu, text ? MF_STRING | grey : MF_SEPARATOR, entry.command, text);
+        const bool idle = (entry.needsSelection && Selection().Empty()) ||
+                          (entry.command == command::ExportCsv && book_.RowCount() == 0);
+        const bool checked = entry.command == command::MultipleSort && MultipleSort();
+        const UINT state = (idle ? MF_GRAYED : 0u) | (checked ? MF_CHECKED : 0u);
+        const wchar_t* text = entry.command == command::FilterBar ? filter.c_str() : entry.text;
+        AppendMenuW(menu, text ? MF_STRING | state : MF_SEPARATOR, entry.command, text);
     }
     const HWND window = static_cast<HWND>(Window());
     const auto chosen = TrackPopupMenu(menu, TPM_RETURNCMD | TPM_RIGHTBUTTON, x, y, 0, window, nullptr);

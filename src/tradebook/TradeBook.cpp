@@ -223,7 +223,7 @@ const StoredTrade* TradeBook::Find(std::int32_t tradeID) const {
     return slot == TradeIndex::kNone ? nullptr : &store_[slot];
 }
 
-void TradeBook::ReportAll() const {
+void TradeBook::ReportAll(ReportKind kind) const {
     if (!host_.Listens()) return;
     std::vector<std::pair<std::uint32_t, TradeStore::Slot>> order;
     order.reserve(rows_.size());
@@ -231,7 +231,7 @@ void TradeBook::ReportAll() const {
         order.emplace_back(std::uint32_t{store_[slot].record.veltTradeID}, slot);
     std::sort(order.begin(), order.end());
     for (const auto& [identifier, slot] : order)
-        ReportTrade(host_, store_[slot].record, {});
+        ReportTrade(host_, store_[slot].record, kind);
 }
 
 }  // namespace Dravel

@@ -82,7 +82,7 @@ class TradeBook final : public ITradeSink {
     }
 
     // Reports every trade of the book in ascending order of its identifier.
-    void ReportAll() const;
+    void ReportAll(ReportKind kind = {}) const;
 
     std::uint32_t RowCount() const { return static_cast<std::uint32_t>(rows_.size()); }
     const TradeRecord& Row(std::uint32_t row) const { return Record(ItemAt(row)); }

@@ -21,6 +21,7 @@ class CommonDialogs {
     bool OpenFileName(OPENFILENAMEW& request) const { return Call<BOOL>("GetOpenFileNameW", &request) != 0; }
     bool SaveFileName(OPENFILENAMEW& request) const { return Call<BOOL>("GetSaveFileNameW", &request) != 0; }
     bool ChooseFont(CHOOSEFONTW& request) const { return Call<BOOL>("ChooseFontW", &request) != 0; }
+    bool ChooseColor(CHOOSECOLORW& request) const { return Call<BOOL>("ChooseColorW", &request) != 0; }
     DWORD LastError() const { return Call<DWORD>("CommDlgExtendedError"); }
 
  private:

@@ -1,0 +1,97 @@
+// Commands about files: what the plug-in writes, and what it finds when it starts.
+#include <algorithm>
+#include <fstream>
+#include <iterator>
+
+#include "Commands.h"
+#include "Dialogs.h"
+#include "Stage.h"
+#include "Text.h"
+
+namespace Dravel::DevHost {
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr const char* kFileName = "1148";
+
+bool ReadBytes(const fs::path& file, std::string& bytes) {
+    std::ifstream in(file, std::ios::binary);
+    if (!in) return false;
+    bytes.assign(std::istreambuf_iterator<char>(in), {});
+    return true;
+}
+
+fs::path OfProgram(const std::string& path) {
+    return fs::path(FromUtf8(path)).make_preferred();
+}
+
+// The file may still be written: it is read until it holds the text.
+void ExpectInFile(Stage& stage, const Words& words) {
+    std::string bytes;
+    const auto holds = [&] {
+        return ReadBytes(OfProgram(words[0]), bytes) && bytes.find(words[1]) != bytes.npos;
+    };
+    if (!stage.Holds(holds, stage.limit)) Fail("it does not hold it; it says: " + bytes.substr(0, 2000));
+}
+
+// The first difference is what one wants to know.
+void SameFile(Stage& stage, const Words& words) {
+    std::string bytes, expected;
+    stage.Until([&] { return ReadBytes(stage.File(words[0]), bytes); }, "there is no such file");
+    if (!ReadBytes(stage.scriptFolder / OfProgram(words[1]), expected)) Fail("nothing to compare it with");
+    if (bytes == expected) return;
+    const auto [here, there] = std::mismatch(bytes.begin(), bytes.end(), expected.begin(), expected.end());
+    const auto at = static_cast<std::size_t>(here - bytes.begin()), from = at < 40 ? 0 : at - 40;
+    Fail("it differs at byte " + NumberText(at) + ": \"" + bytes.substr(from, 80) + "\" instead of \"" +
+         expected.substr(std::min(from, expected.size()), 80) + '"');
+}
+
+void PutFile(Stage&, const Words& words) {
+    const fs::path path = OfProgram(words[0]);
+    if (path.has_parent_path()) fs::create_directories(path.parent_path());
+    std::ofstream(path, std::ios::binary) << words[1];
+}
+
+void RemoveFile(Stage&, const Words& words) {
+    std::error_code error;
+    fs::remove_all(OfProgram(words[0]), error);
+    if (error) Fail(error.message());
+}
+
+// The system's save dialog: a file of the folder for results.
+void SaveAs(Stage& stage, const Words& words) {
+    HWND dialog = nullptr, name = nullptr;
+    stage.Until(
+        [&] {
+            dialog = FindDialog(L"");
+            name = dialog ? FindControl(dialog, kFileName) : nullptr;
+            return name != nullptr;
+        },
+        "no file dialog");
+    const std::wstring path = stage.File(words[0]).make_preferred().native();
+    SendMessageW(name, WM_SETTEXT, 0, reinterpret_cast<LPARAM>(path.c_str()));
+    // It loses a press that comes while it is still filling its list.
+    const auto taken = [&] { return !IsWindowVisible(dialog) || FindDialog(L"") != dialog; };
+    for (int i = 0; i < 10 && !taken(); ++i) {
+        PressButton(dialog, "OK");
+        stage.Holds(taken, 1000);
+    }
+    if (!taken()) Fail("the dialog stays");
+}
+
+constexpr CommandEntry kCommands[] = {
+    {"expect-in-file", "PATH TEXT", 2, 2, ExpectInFile},
+    {"same-file", "FILE EXPECTED", 2, 2, SameFile},
+    {"put-file", "PATH TEXT", 2, 2, PutFile},
+    {"remove-file", "PATH", 1, 1, RemoveFile},
+    {"save-as", "FILE", 1, 1, SaveAs},
+};
+
+}  // namespace
+
+std::span<const CommandEntry> FileCommands() {
+    return kCommands;
+}
+
+}  // namespace Dravel::DevHost
