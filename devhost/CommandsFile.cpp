@@ -39,7 +39,9 @@ void ExpectInFile(Stage& stage, const Words& words) {
 void SameFile(Stage& stage, const Words& words) {
     std::string bytes, expected;
     stage.Until([&] { return ReadBytes(stage.File(words[0]), bytes); }, "there is no such file");
-    if (!ReadBytes(stage.scriptFolder / OfProgram(words[1]), expected)) Fail("nothing to compare it with");
+    if (!ReadBytes(stage.scriptFolder / OfProgram(words[1]), expected) &&
+        !ReadBytes(stage.File(words[1]), expected))
+        Fail("nothing to compare it with");
     if (bytes == expected) return;
     const auto [here, there] = std::mismatch(bytes.begin(), bytes.end(), expected.begin(), expected.end());
     const auto at = static_cast<std::size_t>(here - bytes.begin()), from = at < 40 ? 0 : at - 40;
@@ -51,6 +53,12 @@ void PutFile(Stage&, const Words& words) {
     const fs::path path = OfProgram(words[0]);
     if (path.has_parent_path()) fs::create_directories(path.parent_path());
     std::ofstream(path, std::ios::binary) << words[1];
+}
+
+void CopyFileCommand(Stage& stage, const Words& words) {
+    std::string bytes;
+    stage.Until([&] { return ReadBytes(OfProgram(words[0]), bytes); }, "there is no such file");
+    std::ofstream(stage.File(words[1]), std::ios::binary) << bytes;
 }
 
 void RemoveFile(Stage&, const Words& words) {
@@ -85,6 +93,7 @@ constexpr CommandEntry kCommands[] = {
     {"same-file", "FILE EXPECTED", 2, 2, SameFile},
     {"put-file", "PATH TEXT", 2, 2, PutFile},
     {"remove-file", "PATH", 1, 1, RemoveFile},
+    {"copy-file", "PATH FILE", 2, 2, CopyFileCommand},
     {"save-as", "FILE", 1, 1, SaveAs},
 };
 
