@@ -85,21 +85,27 @@ CellReader::CellReader(int column) : column_(column), place_(kPlaces[static_cast
     if (place_.capacity > 1) width_ = RoundedUp(std::max(place_.capacity, place_.entryCapacity));
 }
 
+// The entry's address is read where it matters and nowhere else: it lies far from most texts.
 std::string_view CellReader::Read(const TradeRecord& record) {
-    const SecurityMasterEntry* const entry = record.security;
     const char* from = reinterpret_cast<const char*>(&record) + place_.offset;
     std::size_t capacity = place_.capacity;
-    if (capacity <= 1) {
-        if (capacity == 1) return Keep(words_[static_cast<std::uint8_t>(*from)], record);
-        if (column_ == column::ExpiryDate && entry != nullptr) return Keep(expiries_[entry], record);
-        cell_.known = false;
-        return Keep(cell_, record);
-    }
-    if (place_.entryCapacity != 0 && entry != nullptr) {
-        from = reinterpret_cast<const char*>(entry) + place_.entryOffset;
-        capacity = place_.entryCapacity;
+    if (capacity <= 1) return ReadFormatted(record);
+    if (place_.entryCapacity != 0) {
+        if (const SecurityMasterEntry* const entry = record.security; entry != nullptr) {
+            from = reinterpret_cast<const char*>(entry) + place_.entryOffset;
+            capacity = place_.entryCapacity;
+        }
     }
     return {cell_.bytes, CopyLower(from, capacity, cell_.bytes, width_)};
+}
+
+std::string_view CellReader::ReadFormatted(const TradeRecord& record) {
+    const auto* const bytes = reinterpret_cast<const std::uint8_t*>(&record);
+    if (place_.capacity == 1) return Keep(words_[bytes[place_.offset]], record);
+    const SecurityMasterEntry* const entry = record.security;
+    if (column_ == column::ExpiryDate && entry != nullptr) return Keep(expiries_[entry], record);
+    cell_.known = false;
+    return Keep(cell_, record);
 }
 
 // The cell as the column table makes it, made once.

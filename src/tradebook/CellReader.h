@@ -43,6 +43,7 @@ class CellReader {
         std::size_t length = 0;
         bool known = false;
     };
+    std::string_view ReadFormatted(const TradeRecord& record);
     std::string_view Keep(Cell& cell, const TradeRecord& record);
 
     int column_;
