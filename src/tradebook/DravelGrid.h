@@ -119,7 +119,6 @@ class CDravelGrid final : public CVELTSGridCtrl,
     bool LayoutCommand(std::uint32_t id);
     void ExportCsv();
     void WriteExport(const std::filesystem::path& path);
-    void SwitchMultipleSort();
     void ChooseFields();
     void EditProperties();
     void PropertyChanged(const Dravel::PropertyChange& change);

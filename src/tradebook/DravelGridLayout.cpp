@@ -15,7 +15,6 @@ bool CDravelGrid::LayoutCommand(std::uint32_t id) {
         {command::FieldChooser, &CDravelGrid::ChooseFields},
         {command::Properties, &CDravelGrid::EditProperties},
         {command::SaveLayout, &CDravelGrid::SaveLayout},
-        {command::MultipleSort, &CDravelGrid::SwitchMultipleSort},
     };
     for (const auto& entry : kCommands) {
         if (entry.id != id) continue;
@@ -27,15 +26,6 @@ bool CDravelGrid::LayoutCommand(std::uint32_t id) {
 
 void CDravelGrid::SaveLayout() {
     if (!SaveProfile()) context_.log.Line(LogLevel::Warning, "Layout", "The columns could not be saved.");
-}
-
-// Without it there is one sort key at most: the most important stays.
-void CDravelGrid::SwitchMultipleSort() {
-    EnableMultipleSort(!MultipleSort());
-    if (MultipleSort() || Model().Sort().Keys().size() < 2) return;
-    const GridSortKey first = Model().Sort().Keys().front();
-    SetSortColumn(first.column, first.ascending, false);
-    OnSortChanged();
 }
 
 void CDravelGrid::SaveProperties(std::string_view key) {
