@@ -219,6 +219,7 @@ class CKRVPGridCtrl {
     friend struct GridInput;
     friend class GridFilterBar;
     friend class GridEditor;
+    friend class GridTip;
     struct State;  // window-side state: fonts, drag, wheel remainders
 
     bool Dispatch(std::uint32_t message, std::uintptr_t wparam, std::intptr_t lparam, std::intptr_t& result);

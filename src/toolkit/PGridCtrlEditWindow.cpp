@@ -102,10 +102,15 @@ bool GridEditor::Close(bool commit) {
     const std::uint32_t row = grid_.CurrentRow();
     const int column = grid_.CurrentColumn();
     bool ended = true;
-    if (commit) {
-        ended = grid_.OnEndEdit(row, column, Narrow(Text()));
-    } else {
-        grid_.OnCancelEdit(row, column);
+    try {
+        if (commit) {
+            ended = grid_.OnEndEdit(row, column, Narrow(Text()));
+        } else {
+            grid_.OnCancelEdit(row, column);
+        }
+    } catch (...) {
+        if (IsWindow(window)) closing_ = false;
+        throw;
     }
     // Whoever takes a text may close the book, and the grid with it.
     if (!IsWindow(window)) return true;

@@ -29,6 +29,7 @@ bool GridInput::Mouse(UINT message, WPARAM, LPARAM lparam) {
     const int x = GET_X_LPARAM(lparam), y = GET_Y_LPARAM(lparam);
     switch (message) {
         case WM_LBUTTONDOWN:
+            state.tip.Hide();
             LeftDown(x, y, false);
             return true;
         case WM_LBUTTONDBLCLK:
@@ -36,6 +37,13 @@ bool GridInput::Mouse(UINT message, WPARAM, LPARAM lparam) {
             return true;
         case WM_MOUSEMOVE:
             Move(x, y);
+            if (state.drag == GridDrag::None) state.tip.PointerMoved(Hit(x, y));
+            return true;
+        case WM_MOUSEHOVER:
+            if (state.drag == GridDrag::None) state.tip.PointerRests(Hit(x, y));
+            return true;
+        case WM_MOUSELEAVE:
+            state.tip.PointerMoved({});
             return true;
         case WM_LBUTTONUP:
             Move(x, y);  // the last step of a quick drag may come with the release only
@@ -71,9 +79,13 @@ void GridInput::Begin(GridDrag kind, int column, int x) {
 
 // What is under a point, group heads told from ordinary rows.
 GridHit GridInput::Hit(int x, int y) const {
-    const GridHit hit = model.View().HitTest(x, y);
-    const GridGroupHead head = grid.HeadOf(hit.row);
-    return head.level < 0 ? hit : model.View().OnGroupHead(hit, x, head.level);
+    GridHit hit = model.View().HitTest(x, y);
+    // A head goes on beside the last column.
+    const GridHit row = hit.part == GridPart::Nothing ? model.View().HitTest(0, y) : hit;
+    const GridGroupHead head = grid.HeadOf(row.row);
+    if (head.level < 0) return hit;
+    if (hit.part == GridPart::Nothing) hit = {GridPart::Cell, row.row, -1};
+    return model.View().OnGroupHead(hit, x, head.level);
 }
 
 void GridInput::LeftDown(int x, int y, bool doubleClick) {
@@ -272,6 +284,7 @@ bool GridInput::SetCursorShape() const {
 }
 
 void GridInput::ContextMenu(LPARAM lparam) {
+    if (state.editor.Active()) return;  // its text was refused: that comes first
     POINT at{GET_X_LPARAM(lparam), GET_Y_LPARAM(lparam)};
     GridHit hit{GridPart::Cell, model.CurrentRow(), model.CurrentColumn()};
     if (lparam == -1) {

@@ -56,8 +56,10 @@ void CKRVPGridCtrl::FreezeColumns(int count) {
 }
 
 void CKRVPGridCtrl::FitColumns() {
+    BeginUpdate();
     for (int column = 0; column < Columns().Count(); ++column)
         if (!Columns()[column].locked) FitColumn(column);
+    EndUpdate();
 }
 
 void CKRVPGridCtrl::EnableHeader(bool enable) {

@@ -171,6 +171,9 @@ bool CKRVPGridCtrl::Dispatch(std::uint32_t message, std::uintptr_t wparam, std::
         case WM_KEYUP:
         case WM_CHAR:
             return input.Key(message, wparam, lparam);
+        case WM_MOUSEHOVER:
+        case WM_MOUSELEAVE:
+            return input.Mouse(message, wparam, lparam);
         default:
             return message >= WM_MOUSEFIRST && message <= WM_MOUSELAST &&
                    input.Mouse(message, wparam, lparam);
@@ -186,6 +189,7 @@ bool CKRVPGridCtrl::Created() {
 
 void CKRVPGridCtrl::Destroyed() {
     state_->editor.Drop();
+    state_->tip.Drop();
     OnDestroy();
 }
 
@@ -273,6 +277,7 @@ void CKRVPGridCtrl::ModelChanged() {
 
 void CKRVPGridCtrl::ViewMoved() {
     Redraw();
+    state_->tip.Hide();
     state_->filter.Layout();
     state_->editor.Layout();
     OnViewChanged();
@@ -314,6 +319,7 @@ void CKRVPGridCtrl::FitColumn(int column) {
     const std::uint32_t end =
         std::min(model_.View().VisibleEnd(), source_ == nullptr ? 0 : source_->RowCount());
     for (std::uint32_t row = model_.View().TopRow(); row < end; ++row) {
+        if (HeadOf(row).level >= 0) continue;
         state_->ansi.clear();
         source_->CellText(row, column, state_->ansi);
         Widen(state_->ansi, state_->wide);

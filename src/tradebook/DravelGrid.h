@@ -67,6 +67,7 @@ class CDravelGrid final : public CVELTSGridCtrl,
     void OnHeaderMenu(int column, Dravel::GridMenu& menu) override;
     void OnContextMenu(int x, int y, const Dravel::GridHit& hit) override;
     void OnFocus(bool gained) override;
+    void OnFrozenChanged(int count) override { properties_.columnFreeze = count; }
     Dravel::IUser* User() override { return &user_; }
     const char* GridName() const override { return Dravel::kGridKey; }
 

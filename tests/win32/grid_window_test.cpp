@@ -23,7 +23,8 @@ class Grid final : public CKRVPGridCtrl, private IGridSource {
     std::vector<std::string> told;
     std::vector<std::string> choices{"Buy", "Sell", "Both"};
     bool refuse = false, chain = false;
-    int head = -1;  // the row that is a group's head
+    mutable int asked = 0;  // for cells' texts
+    int head = -1;          // the row that is a group's head
     std::uint32_t rows = 20;
     std::map<std::pair<std::uint32_t, int>, std::string> cells;  // edited ones
 
@@ -36,6 +37,7 @@ class Grid final : public CKRVPGridCtrl, private IGridSource {
     }
     std::uint32_t RowCount() const override { return rows; }
     void CellText(std::uint32_t row, int column, std::string& text) const override {
+        ++asked;
         const auto edited = cells.find({row, column});
         text = edited != cells.end() ? edited->second : std::to_string(row) + "." + std::to_string(column);
     }
@@ -458,6 +460,37 @@ TEST_F(GridWindow, GroupHeadsOpenAndCloseAndAreNoCells) {
     EXPECT_EQ(Told(), "");
     Do("double:" + onHead);
     EXPECT_EQ(Told(), "open 2");
+}
+
+TEST_F(GridWindow, PaintingAsksForVisibleCellsWhateverTheNumberOfRows) {
+    const auto paint = [&] {
+        UpdateWindow(Window());
+        grid.asked = 0;
+        grid.Redraw();
+        UpdateWindow(Window());
+        return grid.asked;
+    };
+    const int few = paint();
+    EXPECT_GT(few, 0);
+    grid.rows = 1'000'000;
+    grid.RowsReset();
+    const GridView& view = grid.Model().View();
+    EXPECT_EQ(paint(), static_cast<int>(view.VisibleEnd()) * 3);  // the fourth column is out of view
+    EXPECT_LT(paint(), 2 * few);
+    // The bar counts in 32 bits, its messages in 16.
+    SendMessageW(Window(), WM_VSCROLL, SB_BOTTOM, 0);
+    EXPECT_EQ(view.TopRow(), 1'000'000 - view.PageRows());
+    SCROLLINFO bar{};
+    bar.cbSize = sizeof bar;
+    bar.fMask = SIF_POS;
+    UpdateWindow(Window());
+    GetScrollInfo(Window(), SB_VERT, &bar);
+    EXPECT_EQ(bar.nPos, static_cast<int>(view.TopRow()));
+    // A row that comes in on top leaves the view on its rows.
+    const std::uint32_t top = view.TopRow();
+    ++grid.rows;
+    grid.RowsInserted(0, 1);
+    EXPECT_EQ(view.TopRow(), top + 1);
 }
 
 TEST_F(GridWindow, TheHeaderSortsMovesAndSizes) {

@@ -11,6 +11,7 @@
 #include "toolkit/PGridCtrl.h"
 #include "toolkit/win32/GridEditor.h"
 #include "toolkit/win32/GridFilterBar.h"
+#include "toolkit/win32/GridTip.h"
 
 namespace Dravel {
 
@@ -41,7 +42,7 @@ inline GridModifierKeys HeldModifiers() {
 }  // namespace Dravel
 
 struct CKRVPGridCtrl::State {
-    explicit State(CKRVPGridCtrl& grid) : filter(grid), editor(grid) {}
+    explicit State(CKRVPGridCtrl& grid) : filter(grid), editor(grid), tip(grid) {}
     State(const State&) = delete;
     State& operator=(const State&) = delete;
     ~State() {
@@ -51,6 +52,7 @@ struct CKRVPGridCtrl::State {
 
     GridFilterBar filter;
     GridEditor editor;
+    GridTip tip;
     HFONT font = nullptr;
     int textHeight = 13;
     int dpi = Dravel::kBaseDpi;
