@@ -18,7 +18,7 @@ constexpr MenuEntry kMenu[] = {
     {command::ExportCsv, L"&Export CSV...\tCtrl+E"},
     {0, nullptr},
     {command::Copy, L"&Copy\tCtrl+C", true},
-    {command::CopyHtml, L"Copy as &HTML\tCtrl+Shift+C"},
+    {command::CopyHtml, L"Copy As &HTML\tCtrl+Shift+C"},
     {command::ClearSelection, L"C&lear Selection", true},
     {0, nullptr},
     {command::FilterBar, nullptr},
