@@ -67,6 +67,13 @@ class Entering : public testing::Test, protected IUiThread, protected IDraftView
     void GoTo(std::uint32_t draftID, int column) override {
         if (sheet.Find(draftID)) went.push_back(column);
     }
+    bool HasCurrentCell() const override { return draft != nullptr || !selected.empty(); }
+    std::vector<TradeItem> SelectedItems() const override { return selected; }
+    bool RemoveCurrentDraft() override {
+        sheet.Remove(*std::exchange(draft, nullptr));
+        return true;
+    }
+    void TakeKeyboard() override {}
 
     FakeHost host;
     FakeUser user;
@@ -77,6 +84,7 @@ class Entering : public testing::Test, protected IUiThread, protected IDraftView
     TradeItem became = kNoItem;
     EditEnd last{};
     std::vector<int> shown, went;
+    std::vector<TradeItem> selected;
     std::vector<std::function<void()>> posted;
 };
 
@@ -223,6 +231,35 @@ TEST_F(Entering, AnalysisOnlyTradesAreKeptAndNotReported) {
     TypeAll({{column::Side, "Buy"}, {column::Quantity, "1"}, {column::Price, "2"}});
     EXPECT_EQ(book.RowCount(), 1u);
     EXPECT_TRUE(host.sent.empty());
+}
+
+TEST_F(Entering, DeletingAsksAndReportsTwice) {
+    for (const char* price : {"1", "2", "3"}) {
+        draft = &sheet.AddOnTop();
+        TypeAll({{column::Side, "Buy"}, {column::Quantity, "5"}, {column::Price, price}});
+    }
+    host.sent.clear();
+    selected = {book.ItemAt(0), book.ItemAt(2)};
+    user.answers = {kAnswerCancel};
+    entry.Delete(*this);
+    EXPECT_EQ(user.boxes, Strings{"Dravel|Are you sure want to delete Trade?"});
+    EXPECT_EQ(book.RowCount(), 3u);
+    entry.Delete(*this);
+    EXPECT_EQ(book.RowCount(), 1u);
+    EXPECT_EQ(book.Totals().bought, 5u);
+    EXPECT_EQ(Reports(msg::TradeReport), 2u);
+    EXPECT_EQ(Reports(msg::SecondTradeReport), 2u);
+    // A row that never entered goes without a word to the terminal.
+    host.sent.clear();
+    selected.clear();
+    draft = &sheet.AddOnTop();
+    const std::uint32_t drafts = sheet.NewCount();
+    entry.Delete(*this);
+    EXPECT_EQ(sheet.NewCount(), drafts - 1);
+    EXPECT_TRUE(host.sent.empty());
+    const std::size_t asked = user.boxes.size();
+    entry.Delete(*this);
+    EXPECT_EQ(user.boxes.size(), asked) << "no current cell";
 }
 
 TEST_F(Entering, ATerminalWithoutAMasterOrOneThatCallsBackLosesNoRow) {

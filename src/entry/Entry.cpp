@@ -7,10 +7,12 @@ namespace Dravel {
 void Entry::BookOpened(const BookParts& parts) {
     parts_.emplace(parts);
     saver_ = std::make_unique<TradeSaver>(parts, context_.user);
+    typing_ = std::make_unique<TradeEntry>(context_.host, context_.user, parts.book, parts.ui);
     context_.clients.Load();
 }
 
 void Entry::BookClosed() {
+    typing_.reset();
     saver_.reset();
     parts_.reset();
 }
@@ -28,6 +30,27 @@ bool Entry::AskToSave() {
         context_.user.Box("Do you want to save Dravel", "Dravel", Buttons::YesNoCancel, Icon::Warning);
     if (answer == kAnswerYes) SaveNow();
     return true;
+}
+
+void Entry::Choices(const TradeDraft& draft, int column, std::string_view typed,
+                    std::vector<std::string>& choices) {
+    if (typing_) typing_->Choices(draft, column, typed, choices);
+}
+
+EditEnd Entry::EndEdit(TradeDraft& draft, int column, std::string_view text, IDraftView& view) {
+    return typing_ ? typing_->EndEdit(draft, column, text, view) : EditEnd::Refused;
+}
+
+int Entry::NextColumn(const TradeDraft& draft, int column) const {
+    return typing_ ? typing_->NextColumn(draft, column) : -1;
+}
+
+std::string Entry::Missing(const TradeDraft& draft) const {
+    return typing_ ? typing_->Missing(draft) : std::string();
+}
+
+void Entry::Delete(IDraftView& view) {
+    if (typing_) typing_->Delete(view);
 }
 
 // Importing twice at a time would let the inner run see half of the outer one.

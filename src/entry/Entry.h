@@ -6,6 +6,7 @@
 
 #include "entry/CsvImport.h"
 #include "entry/ManualClients.h"
+#include "entry/TradeEntry.h"
 #include "entry/TradeSaver.h"
 #include "host/Host.h"
 #include "host/User.h"
@@ -36,12 +37,19 @@ class Entry final : public IEntry {
     bool AskToSave() override;
     void SaveNow() override;
     void Import(void* owner) override;
+    void Choices(const TradeDraft& draft, int column, std::string_view typed,
+                 std::vector<std::string>& choices) override;
+    EditEnd EndEdit(TradeDraft& draft, int column, std::string_view text, IDraftView& view) override;
+    int NextColumn(const TradeDraft& draft, int column) const override;
+    std::string Missing(const TradeDraft& draft) const override;
+    void Delete(IDraftView& view) override;
     bool Busy() const override { return importing_; }
 
  private:
     EntryContext context_;
     std::optional<BookParts> parts_;
     std::unique_ptr<TradeSaver> saver_;
+    std::unique_ptr<TradeEntry> typing_;
     bool importing_ = false;  // the import dialog is open
 };
 

@@ -264,6 +264,20 @@ EditEnd TradeEntry::Commit(TradeDraft& draft, IDraftView& view) {
     return EditEnd::Committed;
 }
 
+void TradeEntry::Delete(IDraftView& view) {
+    if (!view.HasCurrentCell()) return;
+    if (user_.Box("Are you sure want to delete Trade?", "Dravel", Buttons::OkCancel, Icon::Question) !=
+        kAnswerOk)
+        return;
+    const std::vector<TradeItem> trades = view.SelectedItems();
+    if (trades.empty()) {
+        view.RemoveCurrentDraft();
+        return;
+    }
+    book_.Delete(trades);
+    view.TakeKeyboard();
+}
+
 int TradeEntry::NextColumn(const TradeDraft& draft, int column) const {
     const bool expiry = !WithoutExpiry(draft), option = expiry && IsOption(draft);
     // A contract that is found lacks none of its cells.

@@ -10,18 +10,9 @@
 
 #include "host/Host.h"
 #include "host/User.h"
-#include "tradebook/TradeDraft.h"
-#include "tradebook/base/UiThread.h"
+#include "tradebook/EntryPort.h"
 
 namespace Dravel {
-
-// How the end of an edit went.
-enum class EditEnd : std::uint8_t {
-    Kept,       // the text stands in the draft
-    Refused,    // it is none of the terminal's choices: the cell says what it said before
-    Committed,  // the row entered the book; the draft is gone
-    Spoken,     // the text stands there, and the user was told what is wrong with the row
-};
 
 // User-interface thread. The terminal may call back while it is asked: drafts stay where they are meanwhile.
 class TradeEntry {
@@ -30,16 +21,13 @@ class TradeEntry {
     TradeEntry(IHost& host, IUser& user, TradeBook& book, IUiThread& ui)
         : host_(host), user_(user), book_(book), ui_(ui) {}
 
-    // The drop-down of a cell while `typed` stands in its editor; empty: the cell has no list now.
+    // What IEntry says of them.
     void Choices(const TradeDraft& draft, int column, std::string_view typed,
                  std::vector<std::string>& choices);
-    // The user ended the edit of a cell with this text.
     EditEnd EndEdit(TradeDraft& draft, int column, std::string_view text, IDraftView& view);
-
-    // Where Enter goes from a cell: the next one that is to be filled; -1: the row lacks nothing.
     int NextColumn(const TradeDraft& draft, int column) const;
-    // What a row still lacks, for the status line; empty: nothing.
     std::string Missing(const TradeDraft& draft) const;
+    void Delete(IDraftView& view);
 
  private:
     std::string Cell(const TradeDraft& draft, int column) const;

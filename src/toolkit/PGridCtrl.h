@@ -25,6 +25,8 @@ inline constexpr int kGridEditorID = 2100;
 enum class GridEditKind : std::uint8_t { Text, Choice };
 // Where the user goes on from an edited cell: Tab right, Enter down, with Shift the other way.
 enum class GridEditMove : std::uint8_t { Right, Left, Down, Up };
+// Where that is: the cell beside the edited one; another cell, which is edited; the cell that is current.
+enum class GridNext : std::uint8_t { Neighbour, Cell, Stay };
 
 // The class name of a grid window unless its owner gives another.
 inline constexpr wchar_t kGridClass[] = L"KRVPGridCtrl";
@@ -185,8 +187,10 @@ class CKRVPGridCtrl {
         return true;
     }
     virtual void OnCancelEdit(std::uint32_t /*row*/, int /*column*/) {}
-    // Which cell is edited after this one. False: none; the neighbour becomes current.
-    virtual bool OnNextCell(Dravel::GridEditMove, std::uint32_t& /*row*/, int& /*column*/) { return false; }
+    // Where the user goes on from this cell, which may be changed.
+    virtual Dravel::GridNext OnNextCell(Dravel::GridEditMove, std::uint32_t& /*row*/, int& /*column*/) {
+        return Dravel::GridNext::Neighbour;
+    }
     // The user wants the header's menu; column -1: beside the columns. Adds to what the grid offers itself.
     virtual void OnHeaderMenu(int /*column*/, Dravel::GridMenu&) {}
     // Where a menu is wanted, in screen pixels (from the keyboard: at the current cell).

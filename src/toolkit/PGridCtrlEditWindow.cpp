@@ -345,10 +345,9 @@ bool GridEditor::Leave(GridEditMove move) {
     std::uint32_t row = grid_.CurrentRow();
     int column = grid_.CurrentColumn();
     if (!Close(true) || !IsWindow(window)) return true;
-    if (grid_.OnNextCell(move, row, column)) {
-        grid_.EditCell(row, column);
-        return true;
-    }
+    const GridNext next = grid_.OnNextCell(move, row, column);
+    if (next == GridNext::Cell) grid_.EditCell(row, column);
+    if (next != GridNext::Neighbour) return true;
     const bool side = move == GridEditMove::Left || move == GridEditMove::Right;
     const bool back = move == GridEditMove::Left || move == GridEditMove::Up;
     grid_.MutableModel().Key(side ? GridKey::Tab : GridKey::Enter, {.shift = back, .ctrl = false});

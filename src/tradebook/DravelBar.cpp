@@ -65,14 +65,16 @@ void CDravelBar::StatusStale() {
 }
 
 void CDravelBar::ShowStatus() {
-    const auto& notices = context_.notices.All();
+    std::string said = grid_->EntryHint();
+    if (const auto& notices = context_.notices.All(); said.empty() && !notices.empty())
+        said = notices.back().text;
     const auto texts = StatusTexts({.shown = grid_->ShownTrades(),
                                     .all = book_.RowCount(),
                                     .selected = grid_->Selection().RowCount(),
                                     .bought = book_.Totals().bought,
                                     .sold = book_.Totals().sold,
                                     .changed = book_.Changed(),
-                                    .notice = notices.empty() ? std::string() : notices.back().text});
+                                    .notice = said});
     status_.SetTexts(texts);
 }
 
@@ -97,19 +99,20 @@ void CDravelBar::KeepLayout() {
     grid_->SaveLayout();
 }
 
-void CDravelBar::AskToSaveWhenShown() {
+bool CDravelBar::AskToSaveWhenShown() {
+    if (!grid_->LeaveCheck()) return false;
     if (book_.Changed() && Shown()) context_.entry.AskToSave();
+    return true;
 }
 
 void CDravelBar::HideAndTell() {
-    if (context_.entry.Busy()) return;
-    AskToSaveWhenShown();
+    if (context_.entry.Busy() || !AskToSaveWhenShown()) return;
     Show(false);
     TellHost(kHidden);
 }
 
 bool CDravelBar::OnFrameClose() {
-    if (context_.entry.Busy()) return false;
+    if (context_.entry.Busy() || !grid_->LeaveCheck()) return false;
     AskAtTheEnd();
     return true;
 }

@@ -25,8 +25,9 @@ class CDravelBar final : public CVELTSDockingControlBar {
 
     // Docks or floats where it was when it last went.
     void TakePlace();
-    // Asks when something changed since the last save and the bar is shown.
-    void AskToSaveWhenShown();
+    // Ends an open edit, then asks when something changed since the last save and the bar is shown. False:
+    // validation has spoken, and the grid is not to be left.
+    bool AskToSaveWhenShown();
 
  private:
     void OnLoadProperties(std::string_view key) override { grid_->LoadProperties(key); }

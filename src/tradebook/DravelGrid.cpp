@@ -12,6 +12,7 @@ namespace {
 
 constexpr GridModifierKeys kCtrl{.ctrl = true};
 constexpr GridAccelerator kKeys[] = {
+    {0x2D /* Insert */, {}, command::AddTrade},
     {'S', kCtrl, command::Save},
     {'I', kCtrl, command::Import},
     {'E', kCtrl, command::ExportCsv},
@@ -118,8 +119,16 @@ void CDravelGrid::OnHeaderMenu(int, GridMenu& menu) {
                   {command::SaveLayout, L"Sa&ve Layout"}});
 }
 
+// The commands that read the rows or leave the cell end its edit first.
 bool CDravelGrid::OnCommand(std::uint32_t id) {
+    if ((id >= command::AddTrade && id <= command::ExportCsv) || id == command::Copy) EndOpenEdit();
     switch (id) {
+        case command::AddTrade:
+            AddDraft();
+            return true;
+        case command::DeleteTrades:
+            entry_.Delete(*this);
+            return true;
         case command::Save:
             entry_.Save();
             return true;

@@ -33,7 +33,8 @@ inline constexpr char kGridProfile[] = "Dravel";
 class CDravelGrid final : public CVELTSGridCtrl,
                           private Dravel::IGridSource,
                           private Dravel::IBookObserver,
-                          private Dravel::IRowDisplay {
+                          private Dravel::IRowDisplay,
+                          private Dravel::IDraftView {
  public:
     CDravelGrid(const Dravel::BarContext& context, Dravel::TradeBook& book);
     ~CDravelGrid() override;
@@ -52,7 +53,11 @@ class CDravelGrid final : public CVELTSGridCtrl,
     // Called after rows, selection or the changed flag may have changed; empty: nobody listens.
     void SetStatusListener(std::function<void()> listener) { statusListener_ = std::move(listener); }
     // The trades of the selected rows, from the top one down; heads of groups are none.
-    std::vector<Dravel::TradeItem> SelectedItems() const;
+    std::vector<Dravel::TradeItem> SelectedItems() const override;
+    // Ends an open edit as Enter would. False: validation has spoken, and the grid is not to be left.
+    bool LeaveCheck();
+    // What the user is to be told of the row that is being typed; empty: nothing.
+    std::string EntryHint() const;
 
     // Trades that the filter lets pass, and all.
     std::uint32_t ShownTrades() const { return rows_.ShownTrades(); }
@@ -72,19 +77,48 @@ class CDravelGrid final : public CVELTSGridCtrl,
     const char* GridName() const override { return Dravel::kGridKey; }
 
     // The rows (DravelGridRows.cpp)
-    std::uint32_t RowCount() const override { return rows_.RowCount(); }
+    std::uint32_t RowCount() const override { return drafts_.NewCount() + rows_.RowCount(); }
     void CellText(std::uint32_t row, int column, std::string& text) const override;
     Dravel::GridRowStyle RowStyle(std::uint32_t row) const override;
-    Dravel::GridGroupHead GroupHead(std::uint32_t row) const override { return rows_.Head(row); }
+    Dravel::GridGroupHead GroupHead(std::uint32_t row) const override {
+        return row < drafts_.NewCount() ? Dravel::GridGroupHead{} : rows_.Head(row - drafts_.NewCount());
+    }
     void GroupText(std::uint32_t row, std::string& text) const override;
     bool IsItemFilteredByFilterBar(std::uint32_t item, int column, std::string_view text) const override;
     void OnSortChanged() override { ArrangeRows(); }
     void OnFilterChanged(int) override { ArrangeRows(); }
     void OnGroupsChanged() override { ArrangeRows(); }
-    void OnGroupToggled(std::uint32_t row) override { rows_.Toggle(row); }
-    bool OnKeyDown(std::uint32_t key, Dravel::GridModifierKeys modifiers, bool repeated) override;
+    void OnGroupToggled(std::uint32_t row) override { rows_.Toggle(row - drafts_.NewCount()); }
+    bool MoveKey(std::uint32_t key, Dravel::GridModifierKeys modifiers);
     bool MoveCurrentRow(bool up);
-    const TradeRecord* TradeAt(std::uint32_t row) const;  // nullptr: no trade stands there
+    // The trade in a row of the grid; kNoItem, nullptr: no trade stands there.
+    Dravel::TradeItem ItemAt(std::uint32_t row) const;
+    const TradeRecord* TradeAt(std::uint32_t row) const;
+    std::uint32_t RowOf(Dravel::TradeItem item) const;  // kNoRow: not shown
+
+    // Typing (DravelGridEntry.cpp)
+    bool OnKeyDown(std::uint32_t key, Dravel::GridModifierKeys modifiers, bool repeated) override;
+    bool OnKeyUp(std::uint32_t key, bool pressed) override;
+    bool OnBeginEdit(std::uint32_t row, int column, std::string& text, Dravel::GridEditKind& kind) override;
+    void OnEditChoices(std::uint32_t row, int column, std::string_view typed,
+                       std::vector<std::string>& choices) override;
+    bool OnEndEdit(std::uint32_t row, int column, const std::string& text) override;
+    void OnCancelEdit(std::uint32_t, int) override { SetRefusal({}); }
+    Dravel::GridNext OnNextCell(Dravel::GridEditMove move, std::uint32_t& row, int& column) override;
+    const Dravel::TradeDraft* DraftAt(std::uint32_t row) const;  // nullptr: nobody types there
+    std::uint32_t RowOf(const Dravel::TradeDraft& draft) const;
+    void AddDraft();
+    void RemoveDraft(const Dravel::TradeDraft& draft);
+    void EndOpenEdit();
+    void SetRefusal(std::string refusal);
+
+    void ShowColumn(int column) override;
+    void DraftChanged(const Dravel::TradeDraft& draft) override;
+    void DraftEntered(Dravel::TradeDraft& draft, Dravel::TradeItem item) override;
+    void GoTo(std::uint32_t draftID, int column) override;
+    bool HasCurrentCell() const override { return CurrentRow() != Dravel::kNoRow; }
+    bool RemoveCurrentDraft() override;
+    void TakeKeyboard() override;
 
     void RowAddedOnTop() override;
     void RowsReset() override {
@@ -95,10 +129,7 @@ class CDravelGrid final : public CVELTSGridCtrl,
         rows_.RowEdited(item);
         StatusStale();
     }
-    void RowsRemoved(std::span<const std::uint32_t> rows, std::span<const Dravel::TradeItem> items) override {
-        rows_.RowsRemoved(rows, items);
-        StatusStale();
-    }
+    void RowsRemoved(std::span<const std::uint32_t> rows, std::span<const Dravel::TradeItem> items) override;
     void RowMoved(std::uint32_t from, std::uint32_t to) override { rows_.RowMoved(from, to); }
     void ChangedFlagSet(bool) override { StatusStale(); }
     void OnSelectionChanged() override { StatusStale(); }
@@ -108,14 +139,19 @@ class CDravelGrid final : public CVELTSGridCtrl,
     void BatchBegins() override { BeginUpdate(); }
     void BatchEnds() override { EndUpdate(); }
 
-    void Inserted(std::uint32_t at, std::uint32_t count) override { RowsInserted(at, count); }
-    void Removed(std::uint32_t at, std::uint32_t count) override { CVELTSGridCtrl::RowsRemoved(at, count); }
-    void Swapped(std::uint32_t a, std::uint32_t b) override { RowsSwapped(a, b); }
-    void Reordered(std::uint32_t count, const std::function<std::uint32_t(std::uint32_t)>& newRow) override {
-        RowsReordered(count, newRow);
+    // The rows of the book stand below those that are being typed.
+    void Inserted(std::uint32_t at, std::uint32_t count) override {
+        RowsInserted(drafts_.NewCount() + at, count);
     }
+    void Removed(std::uint32_t at, std::uint32_t count) override {
+        CVELTSGridCtrl::RowsRemoved(drafts_.NewCount() + at, count);
+    }
+    void Swapped(std::uint32_t a, std::uint32_t b) override {
+        RowsSwapped(drafts_.NewCount() + a, drafts_.NewCount() + b);
+    }
+    void Reordered(std::uint32_t count, const std::function<std::uint32_t(std::uint32_t)>& newRow) override;
     void Reset() override { CVELTSGridCtrl::RowsReset(); }
-    void Changed(std::uint32_t row) override { RedrawRow(row); }
+    void Changed(std::uint32_t row) override { RedrawRow(drafts_.NewCount() + row); }
     // The commands about the look of the grid and its export. False: none of them.
     bool LayoutCommand(std::uint32_t id);
     void ExportCsv();
@@ -137,9 +173,13 @@ class CDravelGrid final : public CVELTSGridCtrl,
     Dravel::IEntry& entry_;
     CVELTPXMLSettings& settings_;
     Dravel::GridProperties properties_;
+    Dravel::DraftSheet drafts_;
     Dravel::TradeRows rows_{book_, *this};
     bool firstRowAdded_ = false;
     Dravel::TradeItem selectedAtFirst_ = Dravel::kNoItem;  // when the first row was added
     std::function<void()> statusListener_;
     Dravel::PriceDivisors divisors_;
+    std::string refusal_;     // of the text that was typed last
+    bool committed_ = false;  // the last edit brought its row into the book
+    bool spoken_ = false;     // validation spoke at the end of the last edit
 };

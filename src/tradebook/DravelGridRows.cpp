@@ -9,6 +9,9 @@ namespace {
 
 constexpr std::uint32_t kUpKey = 0x26, kDownKey = 0x28;  // virtual key codes
 
+// A row that is being typed.
+constexpr GridRowStyle kDraftStyle{.background = 0xD8FFFF, .text = 0x000000};
+
 }  // namespace
 
 void CDravelGrid::ArrangeRows() {
@@ -25,26 +28,49 @@ bool CDravelGrid::IsItemFilteredByFilterBar(std::uint32_t item, int column, std:
     return !ColumnFilter(column, text).Passes(book_.Record(item));
 }
 
+TradeItem CDravelGrid::ItemAt(std::uint32_t row) const {
+    const std::uint32_t drafts = drafts_.NewCount();
+    return row < drafts || row >= RowCount() ? kNoItem : rows_.ItemAt(row - drafts);
+}
+
 const TradeRecord* CDravelGrid::TradeAt(std::uint32_t row) const {
-    if (row >= rows_.RowCount()) return nullptr;
-    const TradeItem item = rows_.ItemAt(row);
+    const TradeItem item = ItemAt(row);
     return item == kNoItem ? nullptr : &book_.Record(item);
+}
+
+std::uint32_t CDravelGrid::RowOf(TradeItem item) const {
+    const std::uint32_t row = rows_.RowOf(item);
+    return row == kNoRow ? kNoRow : drafts_.NewCount() + row;
 }
 
 void CDravelGrid::CellText(std::uint32_t row, int column, std::string& text) const {
     text.clear();
-    if (const TradeRecord* trade = TradeAt(row)) Dravel::CellText(*trade, column, text);
+    if (!drafts_.Empty()) {
+        if (const TradeDraft* const draft = DraftAt(row)) return DraftCell(*draft, book_, column, text);
+    }
+    if (const TradeRecord* const trade = TradeAt(row)) Dravel::CellText(*trade, column, text);
 }
 
 GridRowStyle CDravelGrid::RowStyle(std::uint32_t row) const {
+    if (!drafts_.Empty() && DraftAt(row)) return kDraftStyle;
     const TradeRecord* const trade = TradeAt(row);
     return trade ? properties_.StyleOf(*trade) : GridRowStyle{};
+}
+
+void CDravelGrid::Reordered(std::uint32_t count, const std::function<std::uint32_t(std::uint32_t)>& newRow) {
+    const std::uint32_t drafts = drafts_.NewCount();
+    RowsReordered(drafts + count, [&](std::uint32_t row) {
+        if (row < drafts) return row;
+        const std::uint32_t moved = newRow(row - drafts);
+        return moved == kNoRow ? kNoRow : drafts + moved;
+    });
 }
 
 // "Exchange: NSE (123)"
 void CDravelGrid::GroupText(std::uint32_t row, std::string& text) const {
     text.clear();
-    const TradeRows::GroupFacts facts = rows_.Facts(row);
+    if (row < drafts_.NewCount()) return;
+    const TradeRows::GroupFacts facts = rows_.Facts(row - drafts_.NewCount());
     if (facts.column < 0) return;
     std::string cell;
     Dravel::CellText(book_.Record(facts.sample), facts.column, cell);
@@ -68,8 +94,8 @@ const TradeRecord* CDravelGrid::SelectedTrade() const {
 std::vector<TradeItem> CDravelGrid::SelectedItems() const {
     std::vector<TradeItem> items;
     for (const GridRange& range : Selection().Ranges()) {
-        for (std::uint32_t row = range.first; row <= range.last && row < rows_.RowCount(); ++row) {
-            if (const TradeItem item = rows_.ItemAt(row); item != kNoItem) items.push_back(item);
+        for (std::uint32_t row = range.first; row <= range.last && row < RowCount(); ++row) {
+            if (const TradeItem item = ItemAt(row); item != kNoItem) items.push_back(item);
         }
     }
     return items;
@@ -81,16 +107,16 @@ void CDravelGrid::RowAddedOnTop() {
     if (first) {
         firstRowAdded_ = true;
         const std::uint32_t row = CurrentRow();
-        if (Selection().Contains(row) && TradeAt(row)) selectedAtFirst_ = rows_.ItemAt(row);
+        if (Selection().Contains(row) && TradeAt(row)) selectedAtFirst_ = ItemAt(row);
     }
     rows_.RowAddedOnTop();
     StatusStale();
     if (!first || selectedAtFirst_ == kNoItem) return;
-    const std::uint32_t row = rows_.RowOf(selectedAtFirst_);
+    const std::uint32_t row = RowOf(selectedAtFirst_);
     if (row != kNoRow) AddSelection({row, row});
 }
 
-bool CDravelGrid::OnKeyDown(std::uint32_t key, GridModifierKeys modifiers, bool) {
+bool CDravelGrid::MoveKey(std::uint32_t key, GridModifierKeys modifiers) {
     if (key != kUpKey && key != kDownKey) return false;
     if (!modifiers.ctrl || modifiers.shift) return false;
     return MoveCurrentRow(key == kUpKey);
@@ -99,15 +125,16 @@ bool CDravelGrid::OnKeyDown(std::uint32_t key, GridModifierKeys modifiers, bool)
 // Past rows that the filter hides. The two refusals differ in their blanks: deliberate.
 bool CDravelGrid::MoveCurrentRow(bool up) {
     const std::uint32_t row = CurrentRow();
-    if (row >= rows_.RowCount()) return true;
+    const std::uint32_t top = drafts_.NewCount();
+    if (row < top || row >= RowCount()) return true;
     if (IsSorted() || Model().Groups().Grouped()) {
         user_.Box(up ? "Please Remove Sorting Mode" : " Please Remove Sorting Mode ", "Market Watch",
                   Buttons::Ok, Icon::Warning);
         return true;
     }
-    if (up ? row == 0 : row + 1 >= rows_.RowCount()) return true;
+    if (up ? row == top : row + 1 >= RowCount()) return true;
     const std::uint32_t to = up ? row - 1 : row + 1;
-    book_.MoveRow(book_.RowOf(rows_.ItemAt(row)), book_.RowOf(rows_.ItemAt(to)));
+    book_.MoveRow(book_.RowOf(ItemAt(row)), book_.RowOf(ItemAt(to)));
     ScrollRows(up ? -1 : 1);
     SetCurrent(to, CurrentColumn());
     return true;

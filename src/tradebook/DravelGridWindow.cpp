@@ -13,6 +13,9 @@ struct MenuEntry {
 };
 // Only commands that do something now.
 constexpr MenuEntry kMenu[] = {
+    {command::AddTrade, L"&Add Trade\tInsert"},
+    {command::DeleteTrades, L"&Delete Trade\tDelete", true},
+    {0, nullptr},
     {command::Import, L"&Import Trades...\tCtrl+I"},
     {command::Save, L"&Save\tCtrl+S"},
     {command::ExportCsv, L"&Export CSV...\tCtrl+E"},
@@ -29,6 +32,10 @@ constexpr MenuEntry kMenu[] = {
 };
 
 }  // namespace
+
+void CDravelGrid::TakeKeyboard() {
+    SetFocus(static_cast<HWND>(Window()));
+}
 
 void CDravelGrid::OnContextMenu(int x, int y, const GridHit&) {
     const HMENU menu = CreatePopupMenu();

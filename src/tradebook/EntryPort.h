@@ -1,14 +1,27 @@
 // What the window of the book asks of trade entry, which lives above it.
 #pragma once
 
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <vector>
+
 #include "platform/Files.h"
 #include "support/Log.h"
+#include "tradebook/TradeDraft.h"
 #include "tradebook/base/UiThread.h"
 
 namespace Dravel {
 
 class BookFile;
-class TradeBook;
+
+// How the end of a cell's edit went.
+enum class EditEnd : std::uint8_t {
+    Kept,       // the text stands in the draft
+    Refused,    // it is none of the terminal's choices: the cell says what it said before
+    Committed,  // the row entered the book; the draft is gone
+    Spoken,     // the text stands there, and the user was told what is wrong with the row
+};
 
 // The parts of an open book. All outlive the time between BookOpened and BookClosed.
 struct BookParts {
@@ -32,6 +45,17 @@ class IEntry {
     virtual bool AskToSave() = 0;
     // Saves without asking and waits for the result: the session ends.
     virtual void SaveNow() = 0;
+    // The drop-down of a cell while `typed` stands in its editor; empty: the cell has no list now.
+    virtual void Choices(const TradeDraft& draft, int column, std::string_view typed,
+                         std::vector<std::string>& choices) = 0;
+    // The user ended the edit of a cell with this text.
+    virtual EditEnd EndEdit(TradeDraft& draft, int column, std::string_view text, IDraftView& view) = 0;
+    // Where Enter goes from a cell: the next one that is to be filled; -1: the row lacks nothing.
+    virtual int NextColumn(const TradeDraft& draft, int column) const = 0;
+    // What a row still lacks, for the status line; empty: nothing.
+    virtual std::string Missing(const TradeDraft& draft) const = 0;
+    // Asks, and deletes the selected trades; without any the current row, if it is one being typed.
+    virtual void Delete(IDraftView& view) = 0;
     // The import dialog, modal to `owner`.
     virtual void Import(void* owner) = 0;
     // An import runs: the bar must neither hide nor close.

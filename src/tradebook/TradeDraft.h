@@ -106,6 +106,11 @@ class IDraftView {
     virtual void DraftEntered(TradeDraft& draft, TradeItem item) = 0;
     // Makes the cell the current one and takes the keyboard. Nothing when the draft is gone by now.
     virtual void GoTo(std::uint32_t draftID, int column) = 0;
+    virtual bool HasCurrentCell() const = 0;
+    virtual std::vector<TradeItem> SelectedItems() const = 0;  // trades of the selected rows
+    // The current row, if it is one that is being typed. False: it is not.
+    virtual bool RemoveCurrentDraft() = 0;
+    virtual void TakeKeyboard() = 0;
 };
 
 }  // namespace Dravel
