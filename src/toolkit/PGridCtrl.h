@@ -227,6 +227,10 @@ class CKRVPGridCtrl {
     struct State;  // window-side state: fonts, drag, wheel remainders
 
     bool Dispatch(std::uint32_t message, std::uintptr_t wparam, std::intptr_t lparam, std::intptr_t& result);
+    bool Look(std::uint32_t message, std::uintptr_t wparam, std::intptr_t lparam, std::intptr_t& result);
+    bool Notified(int id, int code, void* control);
+    void Paint();
+    void FocusChanged(bool gained);
     bool Created();
     void Destroyed();
     void UpdateMetrics();

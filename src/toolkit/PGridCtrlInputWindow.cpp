@@ -25,7 +25,35 @@ UINT Setting(UINT what, UINT otherwise) {
 
 }  // namespace
 
-bool GridInput::Mouse(UINT message, WPARAM, LPARAM lparam) {
+bool GridInput::Message(UINT message, WPARAM wparam, LPARAM lparam, LRESULT& result) {
+    switch (message) {
+        case WM_GETDLGCODE:
+            result = DLGC_WANTALLKEYS | DLGC_WANTARROWS | DLGC_WANTCHARS;
+            return true;
+        case WM_CONTEXTMENU:
+            ContextMenu(lparam);
+            return true;
+        case WM_SETCURSOR:
+            result =
+                LOWORD(lparam) == HTCLIENT && reinterpret_cast<HWND>(wparam) == Window() && SetCursorShape();
+            return result != 0;
+        case WM_CAPTURECHANGED:
+            EndDrag();
+            return true;
+        case WM_MOUSEWHEEL:
+        case WM_MOUSEHWHEEL:
+            return Wheel(message, wparam);
+        case WM_KEYDOWN:
+        case WM_SYSKEYDOWN:
+        case WM_KEYUP:
+        case WM_CHAR:
+            return Key(message, wparam, lparam);
+        default:
+            return Mouse(message, lparam);
+    }
+}
+
+bool GridInput::Mouse(UINT message, LPARAM lparam) {
     const int x = GET_X_LPARAM(lparam), y = GET_Y_LPARAM(lparam);
     switch (message) {
         case WM_LBUTTONDOWN:
@@ -216,33 +244,20 @@ bool GridInput::Scroll(UINT message, WPARAM wparam) {
     const std::int64_t at = vertical ? view.TopRow() : view.ScrollX();
     const std::int64_t line = vertical ? 1 : Scale(kWheelColumnsPixels / 3, state.dpi);
     const std::int64_t page = vertical ? view.PageRows() : view.ScrollWidth();
+    const std::pair<int, std::int64_t> places[] = {
+        {SB_LINEUP, at - line},
+        {SB_LINEDOWN, at + line},
+        {SB_PAGEUP, at - page},
+        {SB_PAGEDOWN, at + page},
+        {SB_TOP, 0},
+        {SB_BOTTOM, vertical ? view.MaxTopRow() : view.MaxScrollX()},
+        {SB_THUMBTRACK, info.nTrackPos},
+        {SB_THUMBPOSITION, info.nTrackPos},
+    };
     std::int64_t to = at;
-    switch (LOWORD(wparam)) {
-        case SB_LINEUP:
-            to = at - line;
-            break;
-        case SB_LINEDOWN:
-            to = at + line;
-            break;
-        case SB_PAGEUP:
-            to = at - page;
-            break;
-        case SB_PAGEDOWN:
-            to = at + page;
-            break;
-        case SB_TOP:
-            to = 0;
-            break;
-        case SB_BOTTOM:
-            to = vertical ? view.MaxTopRow() : view.MaxScrollX();
-            break;
-        case SB_THUMBTRACK:
-        case SB_THUMBPOSITION:
-            to = info.nTrackPos;
-            break;
-        default:
-            return true;
-    }
+    for (const auto& [code, place] : places)
+        if (LOWORD(wparam) == code) to = place;
+    if (to == at) return true;
     if (vertical) {
         view.SetTopRow(to);
     } else {

@@ -82,18 +82,43 @@ bool CKRVPGridCtrl::Dispatch(std::uint32_t message, std::uintptr_t wparam, std::
         case WM_DESTROY:
             Destroyed();
             return true;
+        case WM_SETFOCUS:
+        case WM_KILLFOCUS:
+            FocusChanged(message == WM_SETFOCUS);
+            return true;
+        case WM_CTLCOLOREDIT:
+            result = reinterpret_cast<std::intptr_t>(
+                state_->filter.Colour(reinterpret_cast<HDC>(wparam), reinterpret_cast<HWND>(lparam)));
+            return result != 0;
+        case WM_COMMAND:
+            return lparam == 0 ? OnCommand(LOWORD(wparam))
+                               : Notified(LOWORD(wparam), HIWORD(wparam), reinterpret_cast<void*>(lparam));
+        case WM_TIMER:
+            if (wparam == kGridScrollTimer) input.AutoScroll();
+            if (wparam == kGridSettleTimer) state_->filter.EndMoving();
+            return true;
+        case kGridRefocus:
+            state_->editor.Refocus();
+            return true;
+        case WM_VSCROLL:
+        case WM_HSCROLL:
+            UpdateScrollBars();
+            return input.Scroll(message, wparam);
+        default:
+            return Look(message, wparam, lparam, result) || input.Message(message, wparam, lparam, result);
+    }
+}
+
+// Messages about what the window looks like.
+bool CKRVPGridCtrl::Look(std::uint32_t message, std::uintptr_t wparam, std::intptr_t lparam,
+                         std::intptr_t& result) {
+    switch (message) {
         case WM_ERASEBKGND:
             result = 1;
             return true;
-        case WM_PAINT: {
-            // Once a paint and not once a change: trades come one by one.
-            UpdateScrollBars();
-            PAINTSTRUCT paint;
-            const HDC screen = BeginPaint(Handle(window_), &paint);
-            GridPaint::Paint(*this, screen, paint.rcPaint);
-            EndPaint(Handle(window_), &paint);
+        case WM_PAINT:
+            Paint();
             return true;
-        }
         case WM_PRINTCLIENT: {
             RECT client;
             GetClientRect(Handle(window_), &client);
@@ -105,17 +130,6 @@ bool CKRVPGridCtrl::Dispatch(std::uint32_t message, std::uintptr_t wparam, std::
             SetFrozenRoom();
             UpdateScrollBars();
             ViewMoved();
-            return true;
-        case WM_SETFOCUS:
-        case WM_KILLFOCUS:
-            state_->focused = message == WM_SETFOCUS;
-            state_->pressed.reset();
-            Redraw();
-            if (auto* bar = CKRVPDockingControlBar::FromWindow(window_)) bar->FocusMoved();
-            OnFocus(state_->focused);
-            return true;
-        case WM_GETDLGCODE:
-            result = DLGC_WANTALLKEYS | DLGC_WANTARROWS | DLGC_WANTCHARS;
             return true;
         case WM_GETFONT:
             result = reinterpret_cast<std::intptr_t>(state_->font);
@@ -129,55 +143,32 @@ bool CKRVPGridCtrl::Dispatch(std::uint32_t message, std::uintptr_t wparam, std::
             if (UpdateDpi()) MakeFont(fontBytes_);
             UpdateMetrics();
             return true;
-        case WM_CTLCOLOREDIT:
-            result = reinterpret_cast<std::intptr_t>(
-                state_->filter.Colour(reinterpret_cast<HDC>(wparam), reinterpret_cast<HWND>(lparam)));
-            return result != 0;
-        case WM_COMMAND:
-            if (lparam != 0 &&
-                state_->editor.Notify(LOWORD(wparam), HIWORD(wparam), reinterpret_cast<HWND>(lparam)))
-                return true;
-            if (lparam != 0 &&
-                state_->filter.Notify(LOWORD(wparam), HIWORD(wparam), reinterpret_cast<HWND>(lparam)))
-                return true;
-            return lparam == 0 ? OnCommand(LOWORD(wparam))
-                               : OnControl(LOWORD(wparam), HIWORD(wparam), reinterpret_cast<void*>(lparam));
-        case WM_CONTEXTMENU:
-            input.ContextMenu(lparam);
-            return true;
-        case WM_SETCURSOR:
-            result = LOWORD(lparam) == HTCLIENT && reinterpret_cast<HWND>(wparam) == window_ &&
-                     input.SetCursorShape();
-            return result != 0;
-        case WM_CAPTURECHANGED:
-            input.EndDrag();
-            return true;
-        case WM_TIMER:
-            if (wparam == kGridScrollTimer) input.AutoScroll();
-            if (wparam == kGridSettleTimer) state_->filter.EndMoving();
-            return true;
-        case kGridRefocus:
-            state_->editor.Refocus();
-            return true;
-        case WM_VSCROLL:
-        case WM_HSCROLL:
-            UpdateScrollBars();
-            return input.Scroll(message, wparam);
-        case WM_MOUSEWHEEL:
-        case WM_MOUSEHWHEEL:
-            return input.Wheel(message, wparam);
-        case WM_KEYDOWN:
-        case WM_SYSKEYDOWN:
-        case WM_KEYUP:
-        case WM_CHAR:
-            return input.Key(message, wparam, lparam);
-        case WM_MOUSEHOVER:
-        case WM_MOUSELEAVE:
-            return input.Mouse(message, wparam, lparam);
         default:
-            return message >= WM_MOUSEFIRST && message <= WM_MOUSELAST &&
-                   input.Mouse(message, wparam, lparam);
+            return false;
     }
+}
+
+void CKRVPGridCtrl::Paint() {
+    // Once a paint and not once a change: trades come one by one.
+    UpdateScrollBars();
+    PAINTSTRUCT paint;
+    const HDC screen = BeginPaint(Handle(window_), &paint);
+    GridPaint::Paint(*this, screen, paint.rcPaint);
+    EndPaint(Handle(window_), &paint);
+}
+
+void CKRVPGridCtrl::FocusChanged(bool gained) {
+    state_->focused = gained;
+    state_->pressed.reset();
+    Redraw();
+    if (auto* bar = CKRVPDockingControlBar::FromWindow(window_)) bar->FocusMoved();
+    OnFocus(gained);
+}
+
+bool CKRVPGridCtrl::Notified(int id, int code, void* control) {
+    return state_->editor.Notify(id, code, Handle(control)) ||
+           state_->filter.Notify(id, code, Handle(control)) ||
+           OnControl(static_cast<std::uint32_t>(id), static_cast<std::uint32_t>(code), control);
 }
 
 bool CKRVPGridCtrl::Created() {

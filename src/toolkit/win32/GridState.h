@@ -84,12 +84,9 @@ struct CKRVPGridCtrl::State {
 struct GridInput {
     explicit GridInput(CKRVPGridCtrl& owner) : grid(owner), state(*owner.state_), model(owner.model_) {}
 
-    bool Mouse(UINT message, WPARAM wparam, LPARAM lparam);
+    bool Message(UINT message, WPARAM wparam, LPARAM lparam, LRESULT& result);
     bool Key(UINT message, WPARAM wparam, LPARAM lparam);
     bool Scroll(UINT message, WPARAM wparam);
-    bool Wheel(UINT message, WPARAM wparam);
-    bool SetCursorShape() const;
-    void ContextMenu(LPARAM lparam);
     void EndDrag();
     void AutoScroll();
     bool FieldKey(UINT message, WPARAM wparam, LPARAM lparam, bool own);
@@ -99,6 +96,10 @@ struct GridInput {
     Dravel::GridModel& model;
 
  private:
+    bool Mouse(UINT message, LPARAM lparam);
+    bool Wheel(UINT message, WPARAM wparam);
+    bool SetCursorShape() const;
+    void ContextMenu(LPARAM lparam);
     HWND Window() const { return static_cast<HWND>(grid.window_); }
     bool TakeFocus();
     void LeftDown(int x, int y, bool doubleClick);
