@@ -3,7 +3,6 @@
 #include <malloc.h>
 
 #include <algorithm>
-#include <chrono>
 #include <cstdio>
 #include <cstdlib>
 #include <ctime>
@@ -170,26 +169,27 @@ void BenchSorts(Bench& bench) {
     unsorted();
 }
 
-// Microseconds a trade of what the rows do when one comes; the book's own part is left out.
+// What a trade that comes costs more while its rows are shown than while nobody looks.
 void BenchInsert(Bench& bench, const char* name, double atMost, const RowArrangement& how) {
     constexpr int kInserts = 20000;
     bench.rows.Arrange(how);
-    TradeRecord record{};
-    double best = 1e18;
-    for (int round = 0; round < 3; ++round) {
-        std::chrono::duration<double, std::micro> sum{};
+    const Work add = [&bench] {
+        TradeRecord record{};
         for (int i = 0; i < kInserts; ++i) {
             bench.trades.Fill(record);
-            bench.book.SetObserver(nullptr);
             bench.book.Add(record);
-            bench.book.SetObserver(&bench);
-            const auto start = std::chrono::steady_clock::now();
-            bench.rows.RowAddedOnTop();
-            sum += std::chrono::steady_clock::now() - start;
         }
-        best = std::min(best, sum.count() / kInserts);
+    };
+    double alone = 1e18, shown = 1e18;
+    for (int round = 0; round < 3; ++round) {
+        bench.book.SetObserver(nullptr);
+        alone = std::min(alone, Milliseconds(add));
+        bench.book.SetObserver(&bench);
+        bench.rows.RowsReset();
+        shown = std::min(shown, Milliseconds(add));
     }
-    std::printf("insert on top, %s: %.2f us (at most %.0f us)\n", name, best, atMost);
+    std::printf("insert on top, %s: %.2f us (at most %.0f us)\n", name,
+                std::max(shown - alone, 0.0) * 1000 / kInserts, atMost);
     bench.rows.Arrange({});
 }
 

@@ -9,19 +9,25 @@ namespace Dravel {
 
 void TextPages::Page::Add(std::string_view text) {
     text = text.substr(0, kLongest);
-    const std::size_t begin = End();
-    bytes.resize(begin + text.size() + 1 + kPadding);
+    const std::size_t begin = End(), end = begin + text.size();
+    if (end + 1 + kPadding > bytes.size()) bytes.resize(end + 1 + kPadding + bytes.size() / 2);
     if (!text.empty()) std::memcpy(bytes.data() + begin, text.data(), text.size());
-    bytes[begin + text.size()] = 0;
-    ends.push_back(static_cast<std::uint16_t>(begin + text.size()));
+    ends.push_back(static_cast<std::uint16_t>(end));
+}
+
+// No more texts come.
+void TextPages::Page::Close() {
+    bytes.resize(End() + kPadding);
+    if (bytes.capacity() - bytes.size() > bytes.size() / 8) bytes.shrink_to_fit();
 }
 
 void TextPages::Add(std::string_view text) {
     if (size_ % kPage == 0) {
+        if (!pages_.empty()) pages_.back().Close();
+        // Most pages are as long as the one before.
         const std::size_t like = pages_.empty() ? 0 : pages_.back().bytes.size() + kPadding;
-        if (!pages_.empty()) pages_.back().bytes.shrink_to_fit();
         pages_.emplace_back().ends.reserve(kPage);
-        pages_.back().bytes.reserve(like);
+        pages_.back().bytes.resize(like);
     }
     pages_.back().Add(text);
     ++size_;
@@ -30,10 +36,11 @@ void TextPages::Add(std::string_view text) {
 void TextPages::Replace(std::size_t number, std::string_view text) {
     Page& page = pages_[number / kPage];
     Page made;
-    made.bytes.reserve(page.bytes.size() + kLongest);
+    made.bytes.resize(page.bytes.size() + kLongest);
     made.ends.reserve(kPage);
     for (std::size_t i = 0; i < page.ends.size(); ++i)
         made.Add(i == number % kPage ? text : page.Text(i));
+    if (made.ends.size() == kPage) made.Close();
     page = std::move(made);
 }
 

@@ -38,13 +38,14 @@ class TextPages {
     static constexpr std::size_t kStrip = 64;  // bytes looked at together
     static constexpr std::size_t kPadding = kStrip + kLongest;
     struct Page {
-        std::vector<char> bytes;          // kPadding zeros behind the last text
+        std::vector<char> bytes;          // at least kPadding zeros behind the last text
         std::vector<std::uint16_t> ends;  // where the zero byte of each text stands
 
         std::size_t Begin(std::size_t i) const { return i == 0 ? 0 : ends[i - 1] + std::size_t{1}; }
         std::string_view Text(std::size_t i) const { return {bytes.data() + Begin(i), ends[i] - Begin(i)}; }
         std::size_t End() const { return Begin(ends.size()); }
         void Add(std::string_view text);
+        void Close();
     };
 
     std::vector<Page> pages_;

@@ -36,7 +36,8 @@ void TradeRows::Arrange(RowArrangement arrangement) {
     arrangement_ = std::move(arrangement);
     if (sameOrder && sameFilters) return;
 
-    const std::vector<Entry> old = ShownEntries();
+    const std::vector<Entry> old = arranged_ ? ShownEntries() : std::vector<Entry>();
+    const bool wasPlain = !arranged_;
     const bool arrange = !levels.empty() || !arrangement_.filters.empty();
     const bool sameEntries = sameOrder && arranged_ && arrange;
     levels_ = std::move(levels);
@@ -48,7 +49,7 @@ void TradeRows::Arrange(RowArrangement arrangement) {
     } else {
         Drop();
     }
-    TellReordered(old, sameEntries);
+    TellReordered([&](std::uint32_t row) { return wasPlain ? book_.ItemAt(row) : old[row]; }, sameEntries);
 }
 
 // A column that is grouped by and sorted by counts where it is grouped, in the direction of its sort key.
@@ -196,6 +197,12 @@ void TradeRows::CountGroups() {
 
 void TradeRows::SweepAll() {
     using Sight = GridOrder::Sight;
+    if (!Grouped()) {
+        order_.Sweep(
+            {}, [&passes = passes_](Entry entry) { return passes[entry] != 0 ? Sight::Show : Sight::Hide; });
+        shown_ = order_.RowCount();
+        return;
+    }
     shown_ = 0;
     order_.Sweep({}, [this](Entry entry) {
         if (!IsHead(entry)) shown_ += passes_[entry];
@@ -215,15 +222,14 @@ std::vector<TradeRows::Entry> TradeRows::ShownEntries() const {
     return entries;
 }
 
-// `old` are the entries as they were shown before.
-void TradeRows::TellReordered(const std::vector<Entry>& old, bool headsStay) {
+// `old` gives the entry that stood in a row before. `headsStay`: heads are the same entries as before.
+void TradeRows::TellReordered(const std::function<Entry(std::uint32_t)>& old, bool headsStay) {
     constexpr std::uint32_t kMany =
         4096;  // from here on a table of all rows is cheaper than looking for each
     std::uint32_t asked = 0;
     std::vector<std::uint32_t> rows;
     const auto newRow = [&](std::uint32_t row) {
-        if (row >= old.size()) return kNoRow;
-        const Entry entry = old[row];
+        const Entry entry = old(row);
         if (IsHead(entry)) return headsStay ? order_.RowOf(entry) : kNoRow;
         if (++asked < kMany) return RowOf(entry);
         if (rows.empty()) {

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <set>
 #include <span>
@@ -119,7 +120,7 @@ class TradeRows {
     void CountGroups();
     void SweepAll();
     std::vector<Entry> ShownEntries() const;
-    void TellReordered(const std::vector<Entry>& old, bool headsStay);
+    void TellReordered(const std::function<Entry(std::uint32_t)>& old, bool headsStay);
     int Compare(std::size_t level, TradeItem a, TradeItem b) const;
     std::size_t SameLevels(TradeItem a, TradeItem b, std::size_t levels) const;
     bool Passes(TradeItem item) const;

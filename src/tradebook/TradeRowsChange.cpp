@@ -256,7 +256,7 @@ void TradeRows::RemoveMany(std::span<const TradeItem> items) {
     order_.Assign(left);
     CountGroups();
     SweepAll();
-    TellReordered(old, true);
+    TellReordered([&old](std::uint32_t row) { return old[row]; }, true);
 }
 
 }  // namespace Dravel

@@ -12,7 +12,7 @@ namespace Dravel {
 namespace {
 
 // More words than this are looked up slower than their texts are searched.
-constexpr std::uint32_t kMaxWords = std::numeric_limits<std::uint16_t>::max();
+constexpr std::uint32_t kMaxWords = std::numeric_limits<std::uint16_t>::max() - 64;
 constexpr std::uint32_t kFewWords = 4096;
 
 // Where an expiry stands among all: 0 for an empty one, the largest number for what is no date.
@@ -49,15 +49,13 @@ void TradeTexts::Extend() {
         const TradeItem end = std::min(size_ + kAhead, book_.ItemCount());
         for (TradeItem item = size_; item < end; ++item)
             cells_.Fetch(book_.Record(item));
+        if (!packed_) codes_.resize(end);
+        for (; size_ < end && !packed_; ++size_)
+            codes_[size_] = static_cast<std::uint16_t>(words_.CodeOf(cells_.Read(book_.Record(size_))));
         for (; size_ < end; ++size_)
-            Add(cells_.Read(book_.Record(size_)));
+            pages_.Add(cells_.Read(book_.Record(size_)));
+        if (!packed_ && TooManyWords()) Pack();
     }
-}
-
-void TradeTexts::Add(std::string_view text) {
-    if (packed_) return pages_.Add(text);
-    codes_.push_back(static_cast<std::uint16_t>(words_.CodeOf(text)));
-    if (TooManyWords()) Pack();
 }
 
 void TradeTexts::Update(TradeItem item) {

@@ -38,7 +38,6 @@ class TradeTexts {
     std::size_t Bytes() const;
 
  private:
-    void Add(std::string_view text);
     bool TooManyWords() const;
     void Pack();
     int CompareTexts(std::string_view a, std::string_view b) const;
