@@ -61,9 +61,9 @@ class Grid final : public CKRVPGridCtrl, private IGridSource {
         return !refuse;
     }
     void OnCancelEdit(std::uint32_t row, int) override { told.push_back("cancel " + std::to_string(row)); }
-    bool OnNextCell(GridEditMove move, std::uint32_t&, int& column) override {
+    GridNext OnNextCell(GridEditMove move, std::uint32_t&, int& column) override {
         column = 1 - column;
-        return chain && move == GridEditMove::Down;
+        return chain && move == GridEditMove::Down ? GridNext::Cell : GridNext::Neighbour;
     }
     void OnGroupToggled(std::uint32_t row) override {
         open_ = !open_;
