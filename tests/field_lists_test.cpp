@@ -116,7 +116,8 @@ TEST(GridPropertyList, EveryPropertySurvivesSavingAndLoading) {
     GridProperties properties;
     for (int id = 1; id <= 13; ++id)
         ChangeProperty(properties, static_cast<GridProperty>(id), id == 9 ? 3 : id == 12 ? 0 : 1);
-    properties.font.assign(92, 0x11);
+    properties.font.assign(92, 0);
+    properties.font[0] = 200;  // its height
     CVELTPXMLSettings settings, loaded;
     ASSERT_TRUE(properties.Save(settings, "TradeGrid"));
     ASSERT_TRUE(loaded.LoadTextForm(settings.TextForm()));
@@ -128,6 +129,16 @@ TEST(GridPropertyList, EveryPropertySurvivesSavingAndLoading) {
     EXPECT_EQ(text.substr(first, text.find("</TradeGrid>") - first),
               text.substr(second, text.find("</Again>") - second));
     EXPECT_NE(text.find("<CarryForwardTrade>\"1\"</CarryForwardTrade>\n<RemoveExpireTrade>\"0\""), text.npos);
+    EXPECT_EQ(again.font, properties.font);
+    // A font that nothing can be drawn with: too tall, turned, or not of the right length.
+    for (const auto& [at, size] : {std::pair(0, 92), std::pair(3, 92), std::pair(8, 92), std::pair(50, 91)}) {
+        std::vector<std::uint8_t> font(static_cast<std::size_t>(size));
+        font[static_cast<std::size_t>(at)] = 201;
+        settings.Open("TradeGrid");
+        settings.WriteBinary("Font", font);
+        EXPECT_TRUE(again.Load(settings, "TradeGrid"));
+        EXPECT_EQ(again.font, properties.font) << at;
+    }
     settings.SetReadOnly(true);
     EXPECT_FALSE(properties.Save(settings, "TradeGrid"));
 }

@@ -131,7 +131,7 @@ int GridColumns::Left(int position) const {
 }
 
 void GridColumns::SetPixelWidth(int position, int pixels) {
-    SetWidth(AtPosition(position), Unscale(pixels, dpi_));
+    SetWidth(AtPosition(position), std::max(Unscale(pixels, dpi_), kMinDraggedWidth));
 }
 
 int GridColumns::PositionAt(int x) const {

@@ -13,7 +13,9 @@ namespace Dravel {
 // The numbers are those kept in column profiles.
 enum class GridAlign : std::uint8_t { Left = 0, Right = 1, Centre = 2 };
 
-inline constexpr int kMinColumnWidth = 8, kMaxColumnWidth = 2048;
+// A width may be 1, as profiles keep it; the mouse makes none below kMinDraggedWidth, which it could not
+// catch again.
+inline constexpr int kMinColumnWidth = 1, kMinDraggedWidth = 8, kMaxColumnWidth = 2048;
 
 struct GridColumn {
     std::string key;

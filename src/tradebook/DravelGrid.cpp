@@ -71,7 +71,7 @@ void CDravelGrid::InsertColumns() {
 void CDravelGrid::ApplyFont() {
     FontBytes font{};
     std::vector<std::uint8_t> saved;
-    if (settings_.Open(kGridKey) && settings_.ReadBinary("Font", saved) && saved.size() == font.size()) {
+    if (settings_.Open(kGridKey) && GridProperties::LoadFont(settings_, saved)) {
         std::memcpy(font.data(), saved.data(), font.size());
         if (SetGridFont(font)) return;
     }
@@ -91,7 +91,6 @@ void CDravelGrid::AnnounceGrid() {
 void CDravelGrid::LoadProperties(std::string_view key) {
     properties_.Load(settings_, key);
     ApplyProperties();
-    // Only what the user switches on himself is told of: at a start, the terminal knows no trade yet.
     book_.SetAnalysisOnly(properties_.tradeForGreekAnalysisOnly);
     if (!properties_.tradeForGreekAnalysisOnly) book_.ReportAll();
 }

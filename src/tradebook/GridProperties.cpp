@@ -1,5 +1,8 @@
 #include "tradebook/GridProperties.h"
 
+#include <cstring>
+#include <utility>
+
 #include "records/CodeTables.h"
 #include "toolkit/Registry.h"
 
@@ -29,13 +32,29 @@ constexpr Setting<bool> kSwitches[] = {
     {"Trade For Greek Analysis Only", &GridProperties::tradeForGreekAnalysisOnly},
 };
 constexpr char kFreeze[] = "ColumnFreeze", kFont[] = "Font";
+constexpr std::size_t kFontBytes = 92;
+constexpr std::int32_t kTallestFont = 200;  // pixels
 
 }  // namespace
+
+bool GridProperties::LoadFont(const CKRVPRegistry& settings, std::vector<std::uint8_t>& font) {
+    std::vector<std::uint8_t> read;
+    // Height, width, and two angles begin the system's font description.
+    std::int32_t shape[4];
+    if (!settings.ReadBinary(kFont, read) || read.size() != kFontBytes) return false;
+    std::memcpy(shape, read.data(), sizeof shape);
+    const auto plausible = [](std::int32_t length) {
+        return length >= -kTallestFont && length <= kTallestFont;
+    };
+    if (!plausible(shape[0]) || !plausible(shape[1]) || shape[2] != 0 || shape[3] != 0) return false;
+    font = std::move(read);
+    return true;
+}
 
 bool GridProperties::Load(CKRVPRegistry& settings, std::string_view key) {
     tradeForGreekAnalysisOnly = false;
     if (!settings.Open(key)) return false;
-    settings.ReadBinary(kFont, font);
+    LoadFont(settings, font);
     for (const auto& [name, field] : kColours) {
         std::uint32_t colour = this->*field;
         if (settings.ReadColour(name, colour)) this->*field = colour & 0xFFFFFF;

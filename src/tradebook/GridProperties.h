@@ -35,6 +35,10 @@ struct GridProperties {
     bool removeExpireTrade = true;
     bool tradeForGreekAnalysisOnly = false;
 
+    // The font under the key that is open, when it is one that can be drawn with: of the right size, upright,
+    // and no taller or wider than a screen's text. False: `font` stays.
+    static bool LoadFont(const CKRVPRegistry& settings, std::vector<std::uint8_t>& font);
+
     // Reads what stands under `key`; a missing value keeps the current one, but for the analysis-only switch,
     // which a missing value clears. False when the key does not exist.
     bool Load(CKRVPRegistry& settings, std::string_view key);
