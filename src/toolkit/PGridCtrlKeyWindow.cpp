@@ -53,6 +53,10 @@ bool GridInput::KeyDown(UINT message, std::uint32_t key, LPARAM lparam) {
 
 // The first character that is typed over a cell opens its editor and is not lost.
 bool GridInput::Character(std::uint32_t unit) {
+    // What Ctrl makes of a key is a command, and so is a blank with Shift; Ctrl with Alt is AltGr, which
+    // types.
+    const GridModifierKeys held = HeldModifiers();
+    if ((held.ctrl && !held.alt) || (held.shift && unit == ' ')) return true;
     if (unit < kFirstText || unit == 127 || grid.OnChar(unit)) return true;
     return state.editor.Open(static_cast<wchar_t>(unit));
 }
