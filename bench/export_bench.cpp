@@ -5,6 +5,7 @@
 #include <cstdio>
 #include <ctime>
 #include <filesystem>
+#include <span>
 #include <vector>
 
 #include "generator/TradeGenerator.h"
@@ -22,7 +23,8 @@ constexpr int kRounds = 15;
 
 class SilentHost final : public IHost {
  public:
-    MasterAnswer Ask(std::uint32_t, std::initializer_list<const char*>) override { return {}; }
+    MasterAnswer Ask(std::uint32_t, std::span<const char* const>) override { return {}; }
+    bool HasSecurityMaster() const override { return false; }
     void Send(CTagMessageWriter&) override {}
     bool Listens() const override { return false; }
     void Focus(void*, int) override {}

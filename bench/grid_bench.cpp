@@ -45,7 +45,8 @@ void Compare(const char* name, double atMost, const Work& before, const Work& ou
 }
 
 struct NoHost final : IHost {
-    MasterAnswer Ask(std::uint32_t, std::initializer_list<const char*>) override { return {}; }
+    MasterAnswer Ask(std::uint32_t, std::span<const char* const>) override { return {}; }
+    bool HasSecurityMaster() const override { return false; }
     void Send(CTagMessageWriter&) override {}
     bool Listens() const override { return false; }
     void Focus(void*, int) override {}

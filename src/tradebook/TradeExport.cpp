@@ -1,5 +1,7 @@
 #include "tradebook/TradeExport.h"
 
+#include <xmmintrin.h>  // x64, with every compiler
+
 #include <algorithm>
 #include <array>
 #include <bit>
@@ -203,9 +205,18 @@ class Writer {
     std::size_t used_ = 0;
 };
 
+// Asks for the memory of a record that is written soon: cell by cell it would be waited for a dozen times.
+void Fetch(const TradeRecord& record) {
+    const char* bytes = reinterpret_cast<const char*>(&record);
+    for (std::size_t i = 0; i < sizeof(record); i += 64)
+        _mm_prefetch(bytes + i, _MM_HINT_T0);
+}
+
 FileStatus Lines(std::span<const TradeRecord* const> trades, Writer& writer) {
-    for (const TradeRecord* trade : trades) {
-        if (const FileStatus status = writer.Line(*trade); !status) return status;
+    constexpr std::size_t kAhead = 2;
+    for (std::size_t i = 0; i < trades.size(); ++i) {
+        if (i + kAhead < trades.size()) Fetch(*trades[i + kAhead]);
+        if (const FileStatus status = writer.Line(*trades[i]); !status) return status;
     }
     return writer.Write();
 }
