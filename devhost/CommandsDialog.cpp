@@ -87,6 +87,7 @@ void Select(Stage& stage, const Words& words) {
     const HWND list = Control(words[0]);
     const std::wstring text = FromUtf8(words[1]);
     stage.Until([&] { return SelectRow(list, text); }, "no such row");
+    stage.InputTaken();  // the dialog has heard of it
 }
 
 void ExpectRow(Stage& stage, const Words& words) {
