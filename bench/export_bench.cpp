@@ -8,6 +8,7 @@
 #include <span>
 #include <vector>
 
+#include "bench/SilentHost.h"
 #include "generator/TradeGenerator.h"
 #include "tradebook/TradeColumns.h"
 #include "tradebook/TradeExport.h"
@@ -20,16 +21,6 @@ namespace fs = std::filesystem;
 
 constexpr std::uint32_t kTrades = 100000;
 constexpr int kRounds = 15;
-
-class SilentHost final : public IHost {
- public:
-    MasterAnswer Ask(std::uint32_t, std::span<const char* const>) override { return {}; }
-    bool HasSecurityMaster() const override { return false; }
-    void Send(CTagMessageWriter&) override {}
-    bool Listens() const override { return false; }
-    void Focus(void*, int) override {}
-    std::uint64_t MessageEntry() const override { return 0; }
-};
 
 // Each number of a trade, as the file has it, into one buffer.
 std::size_t Digits(std::span<const TradeRecord* const> trades) {

@@ -11,6 +11,7 @@
 #include <string>
 #include <vector>
 
+#include "bench/SilentHost.h"
 #include "generator/TradeGenerator.h"
 #include "records/RecordText.h"
 #include "tradebook/LowerCase.h"
@@ -43,15 +44,6 @@ void Compare(const char* name, double atMost, const Work& before, const Work& ou
     std::printf("%s: ours %.1f ms, limit %.1f ms, ratio %.2f (at most %.1f)\n", name, best, bestLimit,
                 best / bestLimit, atMost);
 }
-
-struct NoHost final : IHost {
-    MasterAnswer Ask(std::uint32_t, std::span<const char* const>) override { return {}; }
-    bool HasSecurityMaster() const override { return false; }
-    void Send(CTagMessageWriter&) override {}
-    bool Listens() const override { return false; }
-    void Focus(void*, int) override {}
-    std::uint64_t MessageEntry() const override { return 0; }
-};
 
 // A grid of which nothing is selected.
 struct NoDisplay final : IRowDisplay {
@@ -88,7 +80,7 @@ struct Bench final : IBookObserver {
         return [this, how] { rows.Arrange(how); };
     }
 
-    NoHost host;
+    SilentHost host;
     NoDisplay display;
     TradeGenerator trades{1};
     TradeBook book{host};

@@ -13,6 +13,7 @@
 #include <string>
 #include <vector>
 
+#include "bench/SilentHost.h"
 #include "entry/CsvImport.h"
 #include "generator/TradeGenerator.h"
 #include "generator/Universe.h"
@@ -24,17 +25,6 @@ using namespace Dravel;
 namespace {
 
 namespace fs = std::filesystem;
-
-// A terminal without callbacks: what it costs to be told is not the import's.
-class SilentHost final : public IHost {
- public:
-    MasterAnswer Ask(std::uint32_t, std::span<const char* const>) override { return {}; }
-    bool HasSecurityMaster() const override { return false; }
-    void Send(CTagMessageWriter&) override {}
-    bool Listens() const override { return false; }
-    void Focus(void*, int) override {}
-    std::uint64_t MessageEntry() const override { return 0; }
-};
 
 struct SilentUser final : IUser {
     std::uint32_t Box(std::string_view, std::string_view, Buttons, Icon, std::uint8_t) override {
