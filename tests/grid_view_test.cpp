@@ -126,7 +126,7 @@ TEST_F(GridViewTest, WidthsFollowTheResolutionAndSurviveADrag) {
     columns.SetPixelWidth(1, 90);
     EXPECT_EQ(columns[1].width, 60);
     columns.SetPixelWidth(1, -40);  // dragged past its left edge
-    EXPECT_EQ(columns[1].width, kMinColumnWidth);
+    EXPECT_EQ(columns[1].width, kMinDraggedWidth);
 }
 
 TEST_F(GridViewTest, ADraggedHeaderPassesNoLockedColumn) {
