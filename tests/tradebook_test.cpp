@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include <cstring>
+#include <map>
 #include <random>
 #include <set>
 
@@ -262,6 +263,99 @@ TEST_F(FilledBookTest, AMovedRowChangesTheOrderAndNothingElse) {
     book.Add(next);
     EXPECT_EQ(Symbols(), "F A C D B E ");
     Check();
+}
+
+// What the book is, without any cleverness: rows from the top down.
+struct PlainBook {
+    std::vector<TradeRecord> rows;
+    std::multiset<std::string> keys;
+    std::map<std::uint32_t, bool> deleted;  // by identifier
+    std::size_t reports = 0, secondReports = 0;
+
+    void Enter(const TradeRecord& trade) { keys.insert(DuplicateKeys::KeyOf(trade)); }
+    void Leave(const TradeRecord& trade) { keys.erase(keys.find(DuplicateKeys::KeyOf(trade))); }
+    std::uint64_t Quantity(std::uint8_t code) const {
+        std::uint64_t sum = 0;
+        for (const TradeRecord& trade : rows)
+            sum += trade.side == code ? +trade.quantity : 0u;
+        return sum;
+    }
+};
+
+TEST_F(BookTest, TenThousandRandomOperationsAgreeWithAPlainBook) {
+    std::mt19937 random(7);
+    const auto below = [&](std::size_t n) { return static_cast<std::uint32_t>(random() % n); };
+    const auto someTrade = [&] {
+        TradeRecord trade = Trade("S" + std::to_string(below(5)), std::to_string(below(300)));
+        trade.side = static_cast<std::uint8_t>(below(4));
+        trade.quantity = below(1000);
+        return trade;
+    };
+    PlainBook plain;
+    Load({});
+    for (int step = 0; step < 10000; ++step) {
+        book.SetChanged(false);
+        const bool any = !plain.rows.empty();
+        const std::uint32_t row = any ? below(plain.rows.size()) : 0;
+        switch (any ? below(6) : 0) {
+            case 0:
+            case 1:
+            case 2: {
+                TradeRecord trade = someTrade();
+                const bool fromHost = below(4) == 0;
+                fromHost ? book.AddFromHost(trade) : book.Add(trade);
+                plain.rows.insert(plain.rows.begin(), trade);
+                plain.deleted[+trade.veltTradeID] = false;
+                plain.Enter(trade);
+                ++plain.reports, plain.secondReports += fromHost;
+                break;
+            }
+            case 3: {
+                TradeRecord trade = someTrade();
+                ASSERT_TRUE(book.Edit(book.ItemAt(row), trade));
+                trade.veltTradeID = plain.rows[row].veltTradeID;
+                plain.Leave(plain.rows[row]);
+                plain.Enter(plain.rows[row] = trade);
+                ++plain.reports;
+                break;
+            }
+            case 4: {
+                const TradeItem item = book.ItemAt(row);
+                ASSERT_EQ(book.Delete(std::vector{item, item}), 1u);
+                ASSERT_FALSE(book.Edit(item, someTrade()));
+                plain.deleted[+plain.rows[row].veltTradeID] = true;
+                plain.Leave(plain.rows[row]);
+                plain.rows.erase(plain.rows.begin() + row);
+                ++plain.reports, ++plain.secondReports;
+                break;
+            }
+            default: {
+                const std::uint32_t to = below(plain.rows.size());
+                book.MoveRow(row, to);
+                const TradeRecord moved = plain.rows[row];
+                plain.rows.erase(plain.rows.begin() + row);
+                plain.rows.insert(plain.rows.begin() + to, moved);
+                ASSERT_FALSE(book.Changed());
+                book.SetChanged(true);
+            }
+        }
+        ASSERT_TRUE(book.Changed());
+        ASSERT_EQ(book.RowCount(), plain.rows.size());
+        ASSERT_EQ(book.Totals().bought, plain.Quantity(side::Buy));
+        ASSERT_EQ(book.Totals().sold, plain.Quantity(side::Sell));
+        const TradeRecord probe = someTrade();
+        ASSERT_EQ(book.Holds(probe), plain.keys.contains(DuplicateKeys::KeyOf(probe)));
+        if (step % 100 != 0) continue;
+        for (std::uint32_t i = 0; i < plain.rows.size(); ++i) {
+            ASSERT_EQ(+book.Row(i).veltTradeID, +plain.rows[i].veltTradeID) << i;
+            ASSERT_EQ(+book.Row(i).quantity, +plain.rows[i].quantity) << i;
+            ASSERT_EQ(book.RowOf(book.ItemAt(i)), i);
+        }
+        for (const auto& [identifier, gone] : plain.deleted)
+            ASSERT_EQ(book.Find(static_cast<std::int32_t>(identifier))->deleted != 0, gone) << identifier;
+    }
+    EXPECT_EQ(host.Sent(msg::TradeReport).size(), plain.reports);
+    EXPECT_EQ(host.Sent(msg::SecondTradeReport).size(), plain.secondReports);
 }
 
 TEST(DuplicateKeysTest, ACountedSetAgreesWithAMultiset) {
