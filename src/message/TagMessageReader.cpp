@@ -7,9 +7,9 @@
 #include <cstdlib>
 #include <cstring>
 #include <iterator>
-#include <utility>
 
 #include "message/FieldBytes.h"
+#include "message/GrowingBuffer.h"
 #include "message/TagMessageWriter.h"
 #include "message/TagReceiveQueue.h"
 #include "message/Tags.h"
@@ -44,45 +44,19 @@ std::size_t FindHeader(const std::uint8_t* data, std::size_t size) {
     return end;
 }
 
-// Inflates a body into a malloc'ed buffer that starts at twice the frame's length and grows by one.
-class InflateOutput {
- public:
-    explicit InflateOutput(std::size_t frameLength)
-        : step_(frameLength),
-          size_(2 * frameLength),
-          buffer_(static_cast<std::uint8_t*>(std::malloc(size_))) {}
-    ~InflateOutput() { std::free(buffer_); }
-    InflateOutput(const InflateOutput&) = delete;
-    InflateOutput& operator=(const InflateOutput&) = delete;
-    std::uint8_t* Release() { return std::exchange(buffer_, nullptr); }
-    std::size_t Used() const { return used_; }
-
-    // False when the stream is damaged, ends early, or is larger than a body may be.
-    bool Run(z_stream& stream) {
-        while (buffer_ != nullptr && used_ <= kMaxBody) {
-            stream.next_out = buffer_ + used_;
-            stream.avail_out = static_cast<uInt>(size_ - used_);
-            const int result = inflate(&stream, Z_NO_FLUSH);
-            used_ = size_ - stream.avail_out;
-            if (result == Z_STREAM_END) return used_ <= kMaxBody;
-            const bool full = stream.avail_out == 0 && (result == Z_OK || result == Z_BUF_ERROR);
-            if (!full || !Enlarge()) return false;
-        }
-        return false;
+// False when the stream is damaged, ends early, or is larger than a body may be.
+bool InflateBody(z_stream& stream, GrowingBuffer& out) {
+    while (out.bytes != nullptr && out.used <= kMaxBody) {
+        stream.next_out = out.bytes + out.used;
+        stream.avail_out = static_cast<uInt>(out.size - out.used);
+        const int result = inflate(&stream, Z_NO_FLUSH);
+        out.used = out.size - stream.avail_out;
+        if (result == Z_STREAM_END) return out.used <= kMaxBody;
+        const bool full = stream.avail_out == 0 && (result == Z_OK || result == Z_BUF_ERROR);
+        if (!full || !out.Enlarge()) return false;
     }
-
- private:
-    bool Enlarge() {
-        void* larger = std::realloc(buffer_, size_ + step_);
-        if (larger == nullptr) return false;
-        buffer_ = static_cast<std::uint8_t*>(larger);
-        size_ += step_;
-        return true;
-    }
-
-    std::size_t step_, size_, used_ = 0;
-    std::uint8_t* buffer_;
-};
+    return false;
+}
 
 }  // namespace
 
@@ -132,17 +106,17 @@ bool CTagMessageReader::Decode() {
 }
 
 bool CTagMessageReader::Inflate() {
-    InflateOutput output(length_);
+    const std::size_t size = 2 * std::size_t{length_};
+    GrowingBuffer output{static_cast<std::uint8_t*>(std::malloc(size)), size, 0, length_};
     z_stream stream{};
     stream.next_in = const_cast<std::uint8_t*>(data_) + wire::kHeaderSize;
     stream.avail_in = static_cast<uInt>(length_ - wire::kHeaderSize);
-    if (inflateInit(&stream) != Z_OK) return false;
-    const bool whole = output.Run(stream);
+    const bool whole = inflateInit(&stream) == Z_OK && InflateBody(stream, output);
     inflateEnd(&stream);
+    std::free(whole ? decoded_ : output.bytes);
     if (!whole) return false;
-    std::free(decoded_);
-    decoded_ = output.Release();
-    decodedLength_ = static_cast<std::uint16_t>(output.Used());
+    decoded_ = output.bytes;
+    decodedLength_ = static_cast<std::uint16_t>(output.used);
     data_ = decoded_;
     position_ = 0;
     length_ = decodedLength_;

@@ -7,6 +7,7 @@
 #include <cstring>
 
 #include "message/FieldBytes.h"
+#include "message/GrowingBuffer.h"
 #include "message/Tags.h"
 
 using namespace Dravel;
@@ -21,38 +22,18 @@ std::size_t LengthUpTo(const char* text, std::size_t limit) {
     return end != nullptr ? static_cast<std::size_t>(static_cast<const char*>(end) - text) : limit;
 }
 
-// Deflates into a malloc'ed buffer that grows by `step` whenever it is full.
-class DeflateOutput {
- public:
-    DeflateOutput(std::uint8_t* buffer, std::size_t size, std::size_t used, std::size_t step)
-        : buffer_(buffer), size_(size), used_(used), step_(step) {}
-    std::uint8_t* Buffer() const { return buffer_; }
-    std::size_t Used() const { return used_; }
-
-    bool Run(z_stream& stream) {
-        for (;;) {
-            if (used_ == size_ && !Enlarge()) return false;
-            stream.next_out = buffer_ + used_;
-            stream.avail_out = static_cast<uInt>(size_ - used_);
-            const int result = deflate(&stream, Z_FINISH);
-            used_ = size_ - stream.avail_out;
-            if (result == Z_STREAM_END) return used_ <= kMaxFrame;
-            if (result != Z_OK && result != Z_BUF_ERROR) return false;
-        }
+// False when memory ran out or the frame would be too long; the buffer is the caller's to free in any case.
+bool DeflateBody(z_stream& stream, GrowingBuffer& out) {
+    for (;;) {
+        if (out.used == out.size && !out.Enlarge()) return false;
+        stream.next_out = out.bytes + out.used;
+        stream.avail_out = static_cast<uInt>(out.size - out.used);
+        const int result = deflate(&stream, Z_FINISH);
+        out.used = out.size - stream.avail_out;
+        if (result == Z_STREAM_END) return out.used <= kMaxFrame;
+        if (result != Z_OK && result != Z_BUF_ERROR) return false;
     }
-
- private:
-    bool Enlarge() {
-        void* larger = std::realloc(buffer_, size_ + step_);
-        if (larger == nullptr) return false;
-        buffer_ = static_cast<std::uint8_t*>(larger);
-        size_ += step_;
-        return true;
-    }
-
-    std::uint8_t* buffer_;
-    std::size_t size_, used_, step_;
-};
+}
 
 }  // namespace
 
@@ -190,12 +171,12 @@ void CTagMessageWriter::FinishDeflated() {
     std::memcpy(buffer, working_, headerLength_);
     stream.next_in = working_ + headerLength_;
     stream.avail_in = static_cast<uInt>(position_ - headerLength_);
-    DeflateOutput output(buffer, position_, headerLength_, capacity_);
-    const bool whole = output.Run(stream);
+    GrowingBuffer output{buffer, position_, headerLength_, capacity_};
+    const bool whole = DeflateBody(stream, output);
     deflateEnd(&stream);
-    finished_ = output.Buffer();
-    finishedLength_ = whole ? static_cast<std::uint16_t>(output.Used()) : std::uint16_t{0};
-    if (whole) wire::Put(finished_ + lengthField_, static_cast<std::uint16_t>(output.Used() - headerLength_));
+    finished_ = output.bytes;
+    finishedLength_ = whole ? static_cast<std::uint16_t>(output.used) : std::uint16_t{0};
+    if (whole) wire::Put(finished_ + lengthField_, static_cast<std::uint16_t>(output.used - headerLength_));
 }
 
 // No cipher context is ever installed, so the body leaves as it is.
