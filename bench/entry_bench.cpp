@@ -34,19 +34,8 @@ class ListeningHost final : public IHost {
 };
 
 // The grid's part: the row comes in on top.
-struct Rows final : IBookObserver, IRowDisplay {
+struct Rows final : IRowDisplay {
     explicit Rows(const TradeBook& book) : rows(book, *this) {}
-    void RowAddedOnTop() override { rows.RowAddedOnTop(); }
-    void RowsReset() override { rows.RowsReset(); }
-    void RowEdited(TradeItem item) override { rows.RowEdited(item); }
-    void RowsRemoved(std::span<const std::uint32_t> gone, std::span<const TradeItem> items) override {
-        rows.RowsRemoved(gone, items);
-    }
-    void RowMoved(std::uint32_t from, std::uint32_t to) override { rows.RowMoved(from, to); }
-    void ChangedFlagSet(bool) override {}
-    void BatchBegins() override {}
-    void BatchEnds() override {}
-
     void Inserted(std::uint32_t, std::uint32_t) override { ++shown; }
     void Removed(std::uint32_t, std::uint32_t) override {}
     void Swapped(std::uint32_t, std::uint32_t) override {}
@@ -80,7 +69,7 @@ int main() {
         book.Load(record, false);
     }
     book.EndLoad();
-    book.SetObserver(&rows);
+    book.SetObserver(&rows.rows);
     std::vector<TradeRecord> typed(kTyped);
     for (TradeRecord& trade : typed)
         generator.Fill(trade);

@@ -12,9 +12,9 @@
 #include <vector>
 
 #include "bench/SilentHost.h"
+#include "formatset/LetterCase.h"
 #include "generator/TradeGenerator.h"
 #include "records/RecordText.h"
-#include "tradebook/LowerCase.h"
 #include "tradebook/TradeColumns.h"
 #include "tradebook/TradeRows.h"
 
@@ -55,18 +55,7 @@ struct NoDisplay final : IRowDisplay {
     void Changed(std::uint32_t) override {}
 };
 
-struct Bench final : IBookObserver {
-    void RowAddedOnTop() override { rows.RowAddedOnTop(); }
-    void RowsReset() override { rows.RowsReset(); }
-    void RowEdited(TradeItem item) override { rows.RowEdited(item); }
-    void RowsRemoved(std::span<const std::uint32_t> gone, std::span<const TradeItem> items) override {
-        rows.RowsRemoved(gone, items);
-    }
-    void RowMoved(std::uint32_t from, std::uint32_t to) override { rows.RowMoved(from, to); }
-    void ChangedFlagSet(bool) override {}
-    void BatchBegins() override {}
-    void BatchEnds() override {}
-
+struct Bench {
     void Load() {
         TradeRecord record{};
         book.BeginLoad();
@@ -177,7 +166,7 @@ void BenchInsert(Bench& bench, const char* name, double atMost, const RowArrange
     for (int round = 0; round < 3; ++round) {
         bench.book.SetObserver(nullptr);
         alone = std::min(alone, Milliseconds(add));
-        bench.book.SetObserver(&bench);
+        bench.book.SetObserver(&bench.rows);
         bench.rows.RowsReset();
         shown = std::min(shown, Milliseconds(add));
     }
@@ -210,7 +199,7 @@ void BenchMemory(Bench& bench) {
 
 int main() {
     const auto bench = std::make_unique<Bench>();
-    bench->book.SetObserver(bench.get());
+    bench->book.SetObserver(&bench->rows);
     bench->Load();
     BenchFilter<&TradeRecord::symbol>(*bench, "symbol", column::Symbol, "nifty");
     BenchFilter<&TradeRecord::clientID>(*bench, "client", column::ClientID, "c01");

@@ -9,10 +9,10 @@
 #include <random>
 #include <set>
 
+#include "formatset/LetterCase.h"
 #include "records/RecordText.h"
 #include "support/FakeHost.h"
 #include "toolkit/GridModel.h"
-#include "tradebook/LowerCase.h"
 #include "tradebook/TradeColumns.h"
 
 namespace Dravel {
@@ -45,10 +45,10 @@ std::string Cell(const TradeRecord& record, int column) {
 }
 
 // A book, its rows, and a grid's model that hears of them.
-class RowsRig : public IBookObserver, public IRowDisplay {
+class RowsRig : public IRowDisplay {
  public:
     RowsRig() {
-        book.SetObserver(this);
+        book.SetObserver(&rows);
         grid.View().SetClient(300, 200);
     }
 
@@ -84,17 +84,6 @@ class RowsRig : public IBookObserver, public IRowDisplay {
     int resets = 0;
 
  private:
-    void RowAddedOnTop() override { rows.RowAddedOnTop(); }
-    void RowsReset() override { rows.RowsReset(); }
-    void RowEdited(TradeItem item) override { rows.RowEdited(item); }
-    void RowsRemoved(std::span<const std::uint32_t> gone, std::span<const TradeItem> items) override {
-        rows.RowsRemoved(gone, items);
-    }
-    void RowMoved(std::uint32_t from, std::uint32_t to) override { rows.RowMoved(from, to); }
-    void ChangedFlagSet(bool) override {}
-    void BatchBegins() override {}
-    void BatchEnds() override {}
-
     void Inserted(std::uint32_t at, std::uint32_t count) override { grid.RowsInserted(at, count); }
     void Removed(std::uint32_t at, std::uint32_t count) override { grid.RowsRemoved(at, count); }
     void Swapped(std::uint32_t a, std::uint32_t b) override { grid.RowsSwapped(a, b); }

@@ -48,7 +48,7 @@ struct RowArrangement {
 // keys stand as in the book. What is kept costs about 9 bytes a trade (13 with groups), and for each column
 // that is filtered, sorted or grouped by 8 bytes for a number, 2 bytes or its own length for a text; it goes
 // when it is needed no more.
-class TradeRows {
+class TradeRows final : public IBookObserver {
  public:
     // Both outlive it.
     TradeRows(const TradeBook& book, IRowDisplay& display) : book_(book), display_(display) {}
@@ -77,12 +77,15 @@ class TradeRows {
     // when it comes back, until other columns are grouped by.
     void Toggle(std::uint32_t row);
 
-    // To be called for the book's events of these names.
-    void RowAddedOnTop();
-    void RowsReset();
-    void RowEdited(TradeItem item);
-    void RowsRemoved(std::span<const std::uint32_t> rows, std::span<const TradeItem> items);
-    void RowMoved(std::uint32_t from, std::uint32_t to);
+    // As the book's observer, or called by the one that is.
+    void RowAddedOnTop() override;
+    void RowsReset() override;
+    void RowEdited(TradeItem item) override;
+    void RowsRemoved(std::span<const std::uint32_t> rows, std::span<const TradeItem> items) override;
+    void RowMoved(std::uint32_t from, std::uint32_t to) override;
+    void ChangedFlagSet(bool) override {}
+    void BatchBegins() override {}
+    void BatchEnds() override {}
 
     std::size_t Bytes() const;
 
