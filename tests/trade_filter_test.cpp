@@ -6,10 +6,10 @@
 #include <string>
 #include <vector>
 
+#include "formatset/LetterCase.h"
 #include "records/RecordText.h"
 #include "support/BookRig.h"
 #include "tradebook/CellReader.h"
-#include "tradebook/LowerCase.h"
 #include "tradebook/TradeColumns.h"
 
 namespace Dravel {

@@ -3,9 +3,10 @@
 #include <algorithm>
 #include <array>
 
+#include "formatset/CsvLine.h"
+#include "formatset/LetterCase.h"
 #include "formatset/NumberText.h"
 #include "records/RecordText.h"
-#include "tradebook/LowerCase.h"
 
 namespace Dravel {
 
@@ -16,16 +17,6 @@ std::string Upper(std::string_view text) {
     for (char& c : upper)
         c = c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c;
     return upper;
-}
-std::string Lower(std::string_view text) {
-    std::string lower(text);
-    LowerCase(lower);
-    return lower;
-}
-std::string Trim(std::string_view text) {
-    const auto first = text.find_first_not_of(" \t");
-    if (first == std::string_view::npos) return {};
-    return std::string(text.substr(first, text.find_last_not_of(" \t") - first + 1));
 }
 
 // The cells of a contract, each chosen from what the ones before it leave: the request for its list, which
@@ -43,10 +34,11 @@ constexpr bool IsContractCell(int column) {
 }
 
 // Lists that need no terminal. "CCE" and "MME" are no product types and are offered all the same: deliberate.
-constexpr std::array<std::string_view, 2> kSides{"Buy", "Sell"}, kProducts{"CCE", "MME"};
-const std::array<std::string_view, 2>* FixedChoices(int column) {
-    if (column == column::Side) return &kSides;
-    return column == column::ProductType ? &kProducts : nullptr;
+std::span<const std::string> FixedChoices(int column) {
+    static const std::array<std::string, 2> sides{"Buy", "Sell"}, products{"CCE", "MME"};
+    if (column == column::Side) return sides;
+    if (column == column::ProductType) return products;
+    return {};
 }
 
 // Columns whose change can make a row ready.
@@ -60,7 +52,7 @@ constexpr int kRequired[] = {column::Side, column::Quantity, column::Price};
 // Strikes are equal when their numbers are, all other texts letter case aside.
 bool Equal(int column, std::string_view a, std::string_view b) {
     if (column == column::StrikePrice && !a.empty() && !b.empty()) return ReadDouble(a) == ReadDouble(b);
-    return a.size() == b.size() && Lower(a) == Lower(b);
+    return SameLetters(a, b);
 }
 
 }  // namespace
@@ -80,63 +72,56 @@ bool TradeEntry::IsOption(const TradeDraft& draft) const {
     return Cell(draft, column::SecurityType).find("OPT") != std::string::npos;
 }
 
-void TradeEntry::Ask(std::uint32_t kind, std::vector<std::string> texts, std::vector<std::string>& choices) {
-    if (kind != askedKind_ || texts != askedTexts_) {
-        std::array<const char*, 5> given{};
-        for (std::size_t i = 0; i < texts.size(); ++i)
-            given[i] = texts[i].c_str();
-        const MasterAnswer answer = host_.Ask(kind, std::span(given).first(texts.size()));
-        std::vector<std::string> list;
-        for (std::uint32_t i = 0; answer.list != nullptr && i < answer.count; ++i) {
-            if (answer.list[i] != nullptr) list.emplace_back(answer.list[i]);
-        }
-        askedKind_ = kind;
-        askedTexts_ = std::move(texts);
-        answer_ = std::move(list);
+std::span<const std::string> TradeEntry::Ask(std::uint32_t kind, std::vector<std::string> texts) {
+    if (kind == askedKind_ && texts == askedTexts_) return answer_;
+    std::array<const char*, 5> given{};
+    for (std::size_t i = 0; i < texts.size(); ++i)
+        given[i] = texts[i].c_str();
+    const MasterAnswer answer = host_.Ask(kind, std::span(given).first(texts.size()));
+    std::vector<std::string> list;
+    for (std::uint32_t i = 0; answer.list != nullptr && i < answer.count; ++i) {
+        if (answer.list[i] != nullptr) list.emplace_back(answer.list[i]);
     }
-    choices = answer_;
+    askedKind_ = kind;
+    askedTexts_ = std::move(texts);
+    answer_ = std::move(list);
+    return answer_;
 }
 
-// False: the cell takes any text.
-bool TradeEntry::ChoicesOf(const TradeDraft& draft, int column, std::vector<std::string>& choices) {
-    choices.clear();
-    if (const auto* const fixed = FixedChoices(column)) {
-        choices.assign(fixed->begin(), fixed->end());
-        return true;
-    }
-    if (!IsContractCell(column)) return false;
+std::span<const std::string> TradeEntry::ChoicesOf(const TradeDraft& draft, int column) {
+    if (!IsContractCell(column)) return FixedChoices(column);
     std::vector<std::string> texts;
     for (const auto& [cell, request] : kContractCells) {
-        if (cell == column) {
-            Ask(request, std::move(texts), choices);
-            return !choices.empty();
-        }
+        if (cell == column) return Ask(request, std::move(texts));
         texts.push_back(Cell(draft, cell));
-        if (texts.back().empty()) return false;
+        if (texts.back().empty()) break;
     }
-    return false;
+    return {};
 }
 
 void TradeEntry::Choices(const TradeDraft& draft, int column, std::string_view typed,
                          std::vector<std::string>& choices) {
-    if (!ChoicesOf(draft, column, choices)) return;
+    choices.clear();
     // A typed text that the cell does not say already takes the fixed lists away. Deliberate.
-    if (FixedChoices(column) && !typed.empty() && Cell(draft, column).find(Upper(typed)) == std::string::npos)
-        choices.clear();
+    if (!FixedChoices(column).empty() && !typed.empty() &&
+        Cell(draft, column).find(Upper(typed)) == std::string::npos)
+        return;
+    const auto offered = ChoicesOf(draft, column);
+    choices.assign(offered.begin(), offered.end());
 }
 
 // Puts the choice that is meant in the place of `text`. False: the cell has choices, and it is none of them.
 bool TradeEntry::Complete(const TradeDraft& draft, int column, std::string& text) {
-    std::vector<std::string> choices;
-    if (text.empty() || !ChoicesOf(draft, column, choices)) return true;
+    if (text.empty()) return true;
+    const auto choices = ChoicesOf(draft, column);
+    if (choices.empty()) return true;
     const auto equal = std::find_if(choices.begin(), choices.end(),
                                     [&](const std::string& choice) { return Equal(column, choice, text); });
     if (equal != choices.end()) {
         text = *equal;
         return true;
     }
-    const std::string start = Lower(text);
-    const auto starts = [&](const std::string& choice) { return Lower(choice).starts_with(start); };
+    const auto starts = [&](const std::string& choice) { return BeginsWithLetters(choice, text); };
     const auto first = std::find_if(choices.begin(), choices.end(), starts);
     if (first != choices.end() && std::none_of(first + 1, choices.end(), starts)) {
         text = *first;
@@ -147,7 +132,7 @@ bool TradeEntry::Complete(const TradeDraft& draft, int column, std::string& text
 
 EditEnd TradeEntry::EndEdit(TradeDraft& draft, int column, std::string_view typed, IDraftView& view) {
     if (!kTradeColumns[static_cast<std::size_t>(column)].editable) return EditEnd::Refused;
-    std::string text = Trim(typed);
+    std::string text(Trimmed(typed));
     if (!Complete(draft, column, text)) return EditEnd::Refused;
     const bool changed = text != Cell(draft, column);
     if (changed) {
@@ -204,8 +189,7 @@ void TradeEntry::ExchangeChosen(TradeDraft& draft) {
 
 // Asks for the choices of the next cell and shows its column. False: the terminal has none.
 bool TradeEntry::OfferNext(TradeDraft& draft, int column, IDraftView& view) {
-    std::vector<std::string> choices;
-    const bool any = ChoicesOf(draft, column, choices);
+    const bool any = !ChoicesOf(draft, column).empty();
     if (any || column != column::ExpiryDate) view.ShowColumn(column);
     return any;
 }

@@ -3,7 +3,7 @@
 #pragma once
 
 #include <cstdint>
-#include <initializer_list>
+#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -35,8 +35,9 @@ class TradeEntry {
     bool WithoutExpiry(const TradeDraft& draft) const;
     bool IsOption(const TradeDraft& draft) const;
 
-    bool ChoicesOf(const TradeDraft& draft, int column, std::vector<std::string>& choices);
-    void Ask(std::uint32_t kind, std::vector<std::string> texts, std::vector<std::string>& choices);
+    // What the cell can be chosen from, valid until the next call; empty: the cell takes any text.
+    std::span<const std::string> ChoicesOf(const TradeDraft& draft, int column);
+    std::span<const std::string> Ask(std::uint32_t kind, std::vector<std::string> texts);
     bool Complete(const TradeDraft& draft, int column, std::string& text);
 
     void Cascade(TradeDraft& draft, int column, IDraftView& view);

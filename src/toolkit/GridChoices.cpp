@@ -2,20 +2,9 @@
 
 #include <algorithm>
 
+#include "formatset/LetterCase.h"
+
 namespace Dravel {
-namespace {
-
-char Lower(char c) {
-    return c >= 'A' && c <= 'Z' ? static_cast<char>(c + ('a' - 'A')) : c;
-}
-
-bool BeginsWith(std::string_view text, std::string_view typed) {
-    return text.size() >= typed.size() && std::equal(typed.begin(), typed.end(), text.begin(),
-                                                     [](char a, char b) { return Lower(a) == Lower(b); });
-}
-
-}  // namespace
-
 void GridChoices::Set(std::vector<std::string> choices) {
     choices_ = std::move(choices);
     for (std::string& choice : choices_)
@@ -26,8 +15,9 @@ void GridChoices::Set(std::vector<std::string> choices) {
 
 std::size_t GridChoices::Find(std::string_view typed) const {
     if (typed.empty()) return kNone;
-    const auto found = std::find_if(choices_.begin(), choices_.end(),
-                                    [&](const std::string& choice) { return BeginsWith(choice, typed); });
+    const auto found = std::find_if(choices_.begin(), choices_.end(), [&](const std::string& choice) {
+        return BeginsWithLetters(choice, typed);
+    });
     return found == choices_.end() ? kNone : static_cast<std::size_t>(found - choices_.begin());
 }
 

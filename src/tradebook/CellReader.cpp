@@ -5,7 +5,7 @@
 #include <bit>
 #include <cstring>
 
-#include "tradebook/LowerCase.h"
+#include "formatset/LetterCase.h"
 #include "tradebook/TradeColumns.h"
 
 namespace Dravel {

@@ -1,9 +1,11 @@
-// How the trade book sets letter case aside when it filters, sorts and groups.
+// How letter case is set aside: in filters, sorting, groups, and in what a typed text can mean.
 #pragma once
 
+#include <algorithm>
 #include <cstdint>
 #include <cstring>
 #include <string>
+#include <string_view>
 
 namespace Dravel {
 
@@ -24,6 +26,20 @@ inline void LowerCase(std::string& text) {
         part = LowerCase8(part);
         std::memcpy(text.data() + at, &part, count);
     }
+}
+
+constexpr char LowerLetter(char c) {
+    return c >= 'A' && c <= 'Z' ? static_cast<char>(c + ('a' - 'A')) : c;
+}
+
+inline bool BeginsWithLetters(std::string_view text, std::string_view start) {
+    return text.size() >= start.size() &&
+           std::equal(start.begin(), start.end(), text.begin(),
+                      [](char a, char b) { return LowerLetter(a) == LowerLetter(b); });
+}
+
+inline bool SameLetters(std::string_view a, std::string_view b) {
+    return a.size() == b.size() && BeginsWithLetters(a, b);
 }
 
 }  // namespace Dravel
