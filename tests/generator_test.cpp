@@ -14,7 +14,7 @@
 #include "generator/TradeGenerator.h"
 #include "generator/Universe.h"
 #include "records/RecordText.h"
-#include "tradebook/DuplicateKeys.h"
+#include "support/PlainKey.h"
 #include "tradebook/TradeColumns.h"
 
 namespace Dravel {
@@ -46,7 +46,7 @@ TEST(Generator, TradesAreDistinctOnTickAndForKnownContracts) {
     std::set<std::string> keys;
     for (int i = 0; i < 20000; ++i) {
         generator.Fill(record);
-        ASSERT_TRUE(keys.insert(DuplicateKeys::KeyOf(record)).second);
+        ASSERT_TRUE(keys.insert(PlainKey(record)).second);
         const Sample::Contract& contract = *master.at(std::string(TextOf(record.securityID)));
         ASSERT_TRUE(contract.traded);
         ASSERT_EQ(TextOf(record.symbol), contract.entry.symbol);

@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include <map>
+#include <set>
 
 #include "entry/CsvImport.h"
 #include "generator/TradeGenerator.h"
@@ -12,7 +13,8 @@
 #include "support/FakeHost.h"
 #include "support/FakeUser.h"
 #include "support/FaultFiles.h"
-#include "tradebook/DuplicateKeys.h"
+#include "support/PlainKey.h"
+
 #include "tradebook/TradeColumns.h"
 
 namespace Dravel {
@@ -29,10 +31,10 @@ using Strings = std::vector<std::string>;
 
 class FakeBook final : public ITradeSink {
  public:
-    bool Holds(const TradeRecord& record) const override { return keys_.Holds(record); }
+    bool Holds(const TradeRecord& record) const override { return keys_.contains(PlainKey(record)); }
     std::int32_t Add(TradeRecord& record) override {
         record.veltTradeID = record.veltOrderID = static_cast<std::uint32_t>(trades.size() + 1);
-        keys_.Enter(record);
+        keys_.insert(PlainKey(record));
         trades.push_back(record);
         return static_cast<std::int32_t>(trades.size());
     }
@@ -48,7 +50,7 @@ class FakeBook final : public ITradeSink {
     std::vector<TradeRecord> trades;
 
  private:
-    DuplicateKeys keys_;
+    std::set<std::string> keys_;
 };
 
 // Import("text") runs it; what came of it stands in the members.

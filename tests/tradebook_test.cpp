@@ -3,10 +3,12 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstring>
 #include <map>
 #include <random>
 #include <set>
+#include <vector>
 
 #include "message/TagMessageReader.h"
 #include "message/TagMessageWriter.h"
@@ -14,6 +16,7 @@
 #include "records/CodeTables.h"
 #include "records/RecordText.h"
 #include "support/FakeHost.h"
+#include "support/PlainKey.h"
 #include "tradebook/GridProperties.h"
 #include "tradebook/base/RememberedAnswers.h"
 #include "tradebook/base/VELTPXMLSettings.h"
@@ -158,7 +161,10 @@ TEST_F(BookTest, AKeyIsMadeOfTheTextsAsTheRecordHoldsThem) {
     book.Add(record);
     EXPECT_TRUE(book.Holds(Trade(std::string(32, 'S'), "1")));
     EXPECT_FALSE(book.Holds(Trade(std::string(31, 'S'), "1")));
-    EXPECT_EQ(DuplicateKeys::KeyOf(Trade("X", "9")), "X|9||");
+    EXPECT_FALSE(book.Holds(Trade(std::string(32, 'S') + "|1", "")));
+    TradeRecord joined = Trade("X", "9|8"), apart = Trade("X|9", "8");
+    book.Add(joined);
+    EXPECT_TRUE(book.Holds(apart)) << "what is joined alike is one key";
 }
 
 TEST_F(BookTest, ReportAllGoesUpTheIdentifiers) {
@@ -272,8 +278,8 @@ struct PlainBook {
     std::map<std::uint32_t, bool> deleted;  // by identifier
     std::size_t reports = 0, secondReports = 0;
 
-    void Enter(const TradeRecord& trade) { keys.insert(DuplicateKeys::KeyOf(trade)); }
-    void Leave(const TradeRecord& trade) { keys.erase(keys.find(DuplicateKeys::KeyOf(trade))); }
+    void Enter(const TradeRecord& trade) { keys.insert(PlainKey(trade)); }
+    void Leave(const TradeRecord& trade) { keys.erase(keys.find(PlainKey(trade))); }
     std::uint64_t Quantity(std::uint8_t code) const {
         std::uint64_t sum = 0;
         for (const TradeRecord& trade : rows)
@@ -344,7 +350,7 @@ TEST_F(BookTest, TenThousandRandomOperationsAgreeWithAPlainBook) {
         ASSERT_EQ(book.Totals().bought, plain.Quantity(side::Buy));
         ASSERT_EQ(book.Totals().sold, plain.Quantity(side::Sell));
         const TradeRecord probe = someTrade();
-        ASSERT_EQ(book.Holds(probe), plain.keys.contains(DuplicateKeys::KeyOf(probe)));
+        ASSERT_EQ(book.Holds(probe), plain.keys.contains(PlainKey(probe)));
         if (step % 100 != 0) continue;
         for (std::uint32_t i = 0; i < plain.rows.size(); ++i) {
             ASSERT_EQ(+book.Row(i).veltTradeID, +plain.rows[i].veltTradeID) << i;
@@ -358,21 +364,29 @@ TEST_F(BookTest, TenThousandRandomOperationsAgreeWithAPlainBook) {
     EXPECT_EQ(host.Sent(msg::SecondTradeReport).size(), plain.secondReports);
 }
 
-TEST(DuplicateKeysTest, ACountedSetAgreesWithAMultiset) {
+TEST(DuplicateKeysTest, AgreesWithAListOfHoldersForEachKey) {
     std::mt19937 random(7);
-    DuplicateKeys keys;
-    std::multiset<std::string> model;
+    TradeStore store;
+    DuplicateKeys keys(store);
+    std::map<std::string, std::vector<TradeStore::Slot>> holders;
     for (int step = 0; step < 20000; ++step) {
         const TradeRecord record =
-            Trade(std::string(1, char('A' + random() % 5)), std::to_string(random() % 20));
-        const std::string key = DuplicateKeys::KeyOf(record);
-        ASSERT_EQ(keys.Holds(record), model.contains(key));
-        if (random() % 2 == 0) {
-            keys.Enter(record);
-            model.insert(key);
-        } else if (model.contains(key)) {
-            keys.Remove(record);
-            model.erase(model.find(key));
+            Trade(std::string(1, char('A' + random() % 5)), std::to_string(random() % 40));
+        auto& of = holders[PlainKey(record)];
+        const TradeStore::Slot found = keys.Find(record);
+        if (of.empty()) {
+            ASSERT_EQ(found, DuplicateKeys::kNone);
+        } else {
+            ASSERT_NE(std::find(of.begin(), of.end(), found), of.end());
+        }
+        if (of.empty() || random() % 9 < 4) {
+            of.push_back(store.Add(record));
+            keys.Enter(of.back());
+        } else {
+            const auto goes = of.begin() + static_cast<std::ptrdiff_t>(random() % of.size());
+            keys.Remove(*goes);
+            keys.Remove(*goes);  // it is not there any more
+            of.erase(goes);
         }
     }
 }

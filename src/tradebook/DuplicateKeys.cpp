@@ -4,7 +4,7 @@
 #include <bit>
 #include <cstring>
 #include <functional>
-#include <utility>
+#include <string_view>
 
 #include "records/RecordText.h"
 
@@ -15,7 +15,6 @@ struct DuplicateKeys::Key {
     static constexpr std::size_t kCapacity = 32 + 48 + 48 + 22 + 3;
     char bytes[kCapacity];
     std::size_t length = 0;
-    std::uint64_t hash = 0;
 
     explicit Key(const TradeRecord& record) {
         Put(TextOf(record.symbol));
@@ -25,9 +24,9 @@ struct DuplicateKeys::Key {
         Put(TextOf(record.exchangeOrderNo));
         bytes[length++] = '|';
         Put(TextOf(record.exchangeTradeTime));
-        hash = std::hash<std::string_view>{}(Text());
     }
     std::string_view Text() const { return {bytes, length}; }
+    std::uint32_t Hash() const { return static_cast<std::uint32_t>(std::hash<std::string_view>{}(Text())); }
 
  private:
     void Put(std::string_view text) {
@@ -36,45 +35,82 @@ struct DuplicateKeys::Key {
     }
 };
 
-std::string DuplicateKeys::KeyOf(const TradeRecord& record) {
-    return std::string(Key(record).Text());
-}
-
-std::size_t DuplicateKeys::PlaceOf(const Key& key) const {
+template <class Suits>
+std::size_t DuplicateKeys::PlaceOf(std::uint32_t hash, Suits suits) const {
     const std::size_t mask = table_.size() - 1;
-    for (std::size_t place = key.hash & mask;; place = (place + 1) & mask) {
-        const Entry& entry = table_[place];
-        if (!entry.text) return place;
-        if (entry.hash == key.hash && std::string_view(entry.text, entry.length) == key.Text()) return place;
-    }
+    std::size_t place = hash & mask;
+    while (table_[place].slot != kNone && !suits(table_[place]))
+        place = (place + 1) & mask;
+    return place;
 }
 
-bool DuplicateKeys::Holds(const TradeRecord& record) const {
-    return !table_.empty() && table_[PlaceOf(Key(record))].count != 0;
+std::size_t DuplicateKeys::PlaceOf(std::uint32_t hash, const Key& key) const {
+    return PlaceOf(hash, [&](const Entry& entry) {
+        return entry.hash == hash && Key(store_[entry.slot].record).Text() == key.Text();
+    });
 }
 
-void DuplicateKeys::Enter(const TradeRecord& record) {
-    if (2 * (used_ + 1) > table_.size()) Resize(std::max(kSmallest, 2 * table_.size()));
+TradeStore::Slot DuplicateKeys::Find(const TradeRecord& record) const {
+    if (table_.empty()) return kNone;
     const Key key(record);
-    Entry& entry = table_[PlaceOf(key)];
-    if (!entry.text) {
-        entry = {key.hash, KeepText(key.Text()), static_cast<std::uint32_t>(key.length), 0};
-        ++used_;
-    }
-    ++entry.count;
+    return table_[PlaceOf(key.Hash(), key)].slot;
 }
 
-void DuplicateKeys::Remove(const TradeRecord& record) {
+void DuplicateKeys::Enter(TradeStore::Slot slot) {
+    if (2 * (used_ + 1) > table_.size()) Resize(std::max(kSmallest, 2 * table_.size()));
+    const Key key(store_[slot].record);
+    const std::uint32_t hash = key.Hash();
+    Entry& entry = table_[PlaceOf(hash, key)];
+    if (entry.slot == kNone) {
+        entry = {hash, slot};
+        ++used_;
+        return;
+    }
+    const TradeStore::Slot second = shared_[entry.slot].after;
+    shared_[slot] = {entry.slot, second};
+    shared_[entry.slot].after = slot;
+    if (second != kNone) shared_[second].before = slot;
+}
+
+void DuplicateKeys::Remove(TradeStore::Slot slot) {
     if (table_.empty()) return;
-    Entry& entry = table_[PlaceOf(Key(record))];
-    if (entry.count != 0) --entry.count;
+    Neighbours beside;
+    if (const auto found = shared_.find(slot); found != shared_.end()) {
+        beside = found->second;
+        shared_.erase(found);
+    }
+    if (beside.after != kNone) shared_[beside.after].before = beside.before;
+    if (beside.before != kNone) {
+        shared_[beside.before].after = beside.after;
+        return;
+    }
+    const std::uint32_t hash = Key(store_[slot].record).Hash();
+    const std::size_t place = PlaceOf(hash, [slot](const Entry& entry) { return entry.slot == slot; });
+    if (beside.after != kNone) {
+        table_[place].slot = beside.after;
+    } else if (table_[place].slot == slot) {
+        Close(place);
+    }
+}
+
+// Those behind the gap move up to it when it lies between the place where they would like to stand and the
+// one where they do: so a search never stops short of them.
+void DuplicateKeys::Close(std::size_t gap) {
+    const std::size_t mask = table_.size() - 1;
+    for (std::size_t place = (gap + 1) & mask; table_[place].slot != kNone; place = (place + 1) & mask) {
+        const std::size_t wanted = table_[place].hash & mask;
+        if (((place - wanted) & mask) < ((place - gap) & mask)) continue;
+        table_[gap] = table_[place];
+        gap = place;
+    }
+    table_[gap] = {};
+    --used_;
 }
 
 void DuplicateKeys::Clear() {
     table_.clear();
-    blocks_.clear();
+    shared_.clear();
     used_ = 0;
-    blockUsed_ = kBlock;
 }
 
 void DuplicateKeys::Reserve(std::size_t trades) {
@@ -85,25 +121,9 @@ void DuplicateKeys::Reserve(std::size_t trades) {
 void DuplicateKeys::Resize(std::size_t places) {
     std::vector<Entry> old(places);
     old.swap(table_);
-    const std::size_t mask = places - 1;
     for (const Entry& entry : old) {
-        if (!entry.text) continue;
-        std::size_t place = entry.hash & mask;
-        while (table_[place].text)
-            place = (place + 1) & mask;
-        table_[place] = entry;
+        if (entry.slot != kNone) table_[PlaceOf(entry.hash, [](const Entry&) { return false; })] = entry;
     }
-}
-
-const char* DuplicateKeys::KeepText(std::string_view text) {
-    if (kBlock - blockUsed_ < text.size()) {
-        blocks_.push_back(std::make_unique_for_overwrite<char[]>(kBlock));
-        blockUsed_ = 0;
-    }
-    char* const at = blocks_.back().get() + blockUsed_;
-    std::memcpy(at, text.data(), text.size());
-    blockUsed_ += text.size();
-    return at;
 }
 
 }  // namespace Dravel

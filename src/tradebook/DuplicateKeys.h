@@ -3,29 +3,34 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <memory>
-#include <string>
-#include <string_view>
+#include <unordered_map>
 #include <vector>
 
-#include "records/TradeRecord.h"
+#include "tradebook/TradeStore.h"
 
 namespace Dravel {
 
-// A counted set: a key blocks as long as one trade of the book holds it. Not for two threads at once.
+// Which stored trades hold a key: Symbol, ExchangeTradeID, ExchangeOrderNo and ExchangeTradeTime joined by
+// "|". The texts are those of the stored record, so that a trade has the same key before and after it was cut
+// to the record's capacities. A key blocks as long as one trade holds it. User-interface thread.
 //
-// One table with linear probing over texts that lie one behind another: a node and a text of its own for each
-// of a million keys cost more than the import of their lines. A key that nobody holds any more keeps its
-// place, counted 0.
+// One table with linear probing of a hash and a slot each; the texts stay in the records. A node and a text
+// of its own for each of a million keys cost more than the import of their lines. Trades without identifiers
+// and times share a key by the thousand: the first of them stands in the table, the others hang on it.
 class DuplicateKeys {
  public:
-    // Symbol, ExchangeTradeID, ExchangeOrderNo and ExchangeTradeTime joined by "|", from the record's own
-    // texts, so that a trade has the same key before and after it was cut to the record's capacities.
-    static std::string KeyOf(const TradeRecord& record);
+    static constexpr TradeStore::Slot kNone = 0xFFFFFFFF;
 
-    bool Holds(const TradeRecord& record) const;
-    void Enter(const TradeRecord& record);
-    void Remove(const TradeRecord& record);
+    // Borrows the store, which must hold every slot that is entered, unchanged in its key, until it is
+    // removed.
+    explicit DuplicateKeys(const TradeStore& store) : store_(store) {}
+
+    // A trade that holds the record's key, the first that entered with it while that one is there; kNone: none
+    // does.
+    TradeStore::Slot Find(const TradeRecord& record) const;
+    // A slot is entered at most once; one that was not entered is not removed.
+    void Enter(TradeStore::Slot slot);
+    void Remove(TradeStore::Slot slot);
     void Clear();
     // Room for so many trades without growing on the way.
     void Reserve(std::size_t trades);
@@ -33,22 +38,26 @@ class DuplicateKeys {
  private:
     struct Key;
     struct Entry {
-        std::uint64_t hash = 0;
-        const char* text = nullptr;  // in blocks_; null: a free place
-        std::uint32_t length = 0;
-        std::uint32_t count = 0;
+        std::uint32_t hash = 0;
+        TradeStore::Slot slot = kNone;  // kNone: a free place
     };
 
-    // The entry of the key or the free place where it would stand. The table has a free place.
-    std::size_t PlaceOf(const Key& key) const;
-    void Resize(std::size_t places);
-    const char* KeepText(std::string_view text);
+    struct Neighbours {
+        TradeStore::Slot before = kNone, after = kNone;
+    };
 
-    static constexpr std::size_t kSmallest = 64, kBlock = 1 << 16;
+    // The first place, from the hash's own on, that is free or suits.
+    template <class Suits>
+    std::size_t PlaceOf(std::uint32_t hash, Suits suits) const;
+    std::size_t PlaceOf(std::uint32_t hash, const Key& key) const;
+    void Close(std::size_t gap);
+    void Resize(std::size_t places);
+
+    static constexpr std::size_t kSmallest = 64;
+    const TradeStore& store_;
     std::vector<Entry> table_;  // its size is a power of two, at most half of it is used
     std::size_t used_ = 0;
-    std::vector<std::unique_ptr<char[]>> blocks_;
-    std::size_t blockUsed_ = kBlock;
+    std::unordered_map<TradeStore::Slot, Neighbours> shared_;  // trades that share their key
 };
 
 }  // namespace Dravel

@@ -59,7 +59,7 @@ void TradeBook::EndLoad() {
     NameNamelessTrades();
     keys_.Reserve(rows_.size());
     for (const TradeStore::Slot slot : rows_)
-        Enter(store_[slot].record);
+        Enter(slot);
     if (observer_) observer_->RowsReset();
 }
 
@@ -107,21 +107,23 @@ void TradeBook::AddTrade(TradeRecord& record, bool secondReport) {
     const TradeStore::Slot slot = store_.Add(record);
     PushRow(slot);
     trades_.Insert(IdentifierOf(record), slot);
-    Enter(record);
+    Enter(slot);
     ++revision_;
     SetChanged(true);
     if (observer_) observer_->RowAddedOnTop();
     ReportTrade(host_, store_[slot].record, {.trade = !analysisOnly_, .second = secondReport});
 }
 
-void TradeBook::Enter(const TradeRecord& record) {
-    keys_.Enter(record);
+void TradeBook::Enter(TradeItem item) {
+    const TradeRecord& record = Record(item);
+    keys_.Enter(item);
     if (record.side == side::Buy) totals_.bought += record.quantity;
     if (record.side == side::Sell) totals_.sold += record.quantity;
 }
 
-void TradeBook::Leave(const TradeRecord& record) {
-    keys_.Remove(record);
+void TradeBook::Leave(TradeItem item) {
+    const TradeRecord& record = Record(item);
+    keys_.Remove(item);
     if (record.side == side::Buy) totals_.bought -= record.quantity;
     if (record.side == side::Sell) totals_.sold -= record.quantity;
 }
@@ -147,9 +149,9 @@ bool TradeBook::Edit(TradeItem item, TradeRecord record) {
     TradeRecord& stored = store_[item].record;
     record.veltTradeID = stored.veltTradeID;
     if (!record.security) record.security = securities_.Find(record);
-    Leave(stored);
+    Leave(item);
     stored = record;
-    Enter(stored);
+    Enter(item);
     ++revision_;
     SetChanged(true);
     if (observer_) observer_->RowEdited(item);
@@ -177,7 +179,7 @@ std::uint32_t TradeBook::Delete(std::span<const TradeItem> wanted) {
     for (const std::uint32_t row : rows) {
         items.push_back(ItemAt(row));
         store_[items.back()].deleted = 1;
-        Leave(Record(items.back()));
+        Leave(items.back());
     }
     // One pass over what lies above the lowest row that goes, however many go.
     const auto at = [this](std::uint32_t row) { return rows_.end() - 1 - row; };

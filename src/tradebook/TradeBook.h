@@ -64,7 +64,9 @@ class TradeBook final : public ITradeSink {
     // A trade that the terminal hands over: as Add, but it keeps an identifier of its own that nobody else
     // holds, and is reported a second time too.
     std::int32_t AddFromHost(TradeRecord& record);
-    bool Holds(const TradeRecord& record) const override { return keys_.Holds(record); }
+    bool Holds(const TradeRecord& record) const override {
+        return keys_.Find(record) != DuplicateKeys::kNone;
+    }
     // Puts `record` in the place of the trade, which keeps its identifier, looks up the contract when the
     // record has none, reports the trade and sets the changed flag. False: the trade was deleted.
     bool Edit(TradeItem item, TradeRecord record);
@@ -114,8 +116,8 @@ class TradeBook final : public ITradeSink {
     void AddTrade(TradeRecord& record, bool secondReport);
     void NameNamelessTrades();
     std::int32_t NextIdentifier();
-    void Enter(const TradeRecord& record);
-    void Leave(const TradeRecord& record);
+    void Enter(TradeItem item);
+    void Leave(TradeItem item);
     void PushRow(TradeItem item);
     std::vector<std::uint32_t> RowsOf(std::span<const TradeItem> items) const;
 
@@ -126,7 +128,7 @@ class TradeBook final : public ITradeSink {
     std::vector<TradeItem> rows_;       // the last is the top row, so that a trade comes in at the end
     std::vector<std::uint32_t> ranks_;  // by item; ascending along rows_, so that an item's row can be found
     TradeIndex trades_;
-    DuplicateKeys keys_;
+    DuplicateKeys keys_{store_};
     RunningTotals totals_;
     std::uint64_t revision_ = 0;
     std::uint32_t counter_ = 0;
