@@ -63,7 +63,9 @@ using namespace Dravel::DevHost;
 
 DEVHOST_EXPORT void GetMasterRequest(const MasterRequest* request, std::uint64_t, MasterAnswer* answer) {
     if (!request || !answer) return;
+    TheTerminal().Mood().Arrive();
     *answer = TheTerminal().Master().Answer(*request);
+    TheTerminal().Mood().Spoil(*answer);
     TheTerminal().Log().Add(EntryKind::Callback, static_cast<std::uint16_t>(request->kind),
                             RequestText(*request) + AnswerText(*answer));
 }

@@ -80,6 +80,7 @@ void DumpFrames(Stage& stage, const Words& words) {
     for (std::size_t i = stage.framesFrom; i < log.Size(); ++i) {
         const LogEntry entry = log.At(i);
         const bool text = entry.kind == EntryKind::Callback || entry.kind == EntryKind::Note;
+        if (text && words.size() > 1) continue;
         out << KindName(entry.kind) << '\t';
         if (text)
             out << entry.bytes << '\n';
@@ -181,6 +182,20 @@ void Timing(Stage& stage, const Words& words) {
     stage.Report(words[1] + ": " + NumberText(passed) + " ms");
 }
 
+void WatchPaints(Stage& stage, const Words&) {
+    const HWND grid = FindGrid();
+    if (!grid) Fail("the book is not open");
+    stage.OnUi([&stage, grid] { stage.Host().Paints().Start(grid); });
+}
+
+void ExpectPaints(Stage& stage, const Words& words) {
+    PaintWatch& watch = stage.Host().Paints();
+    stage.OnUi([&watch] { watch.Stop(); });
+    stage.Report(NumberText(watch.Paints()) + " paints, the longest wait for one " +
+                 NumberText(watch.LongestWait()) + " ms");
+    if (watch.Paints() < NumberOf<std::uint32_t>(words[0])) Fail("too few paints");
+}
+
 // One word for the waiting commands, for those who think of a condition first.
 void WaitUntil(Stage& stage, const Words& words) {
     constexpr std::pair<std::string_view, std::string_view> kConditions[] = {
@@ -218,7 +233,7 @@ constexpr CommandEntry kCommands[] = {
     {"count-callbacks", "TEXT [COUNT]", 1, 2, CountCallbacks},
     {"expect-field", "CODE FIELD TEXT", 3, 3, ExpectField},
     {"forget-frames", "", 0, 0, ForgetFrames},
-    {"dump-frames", "FILE", 1, 1, DumpFrames},
+    {"dump-frames", "FILE [frames]", 1, 2, DumpFrames},
     {"screenshot", "FILE [frame]", 1, 2, SnapScreen},
     {"expect-windows", "bar|grid|notice|CLASS COUNT", 2, 2, ExpectWindows},
     {"expect-visible", "bar|grid yes|no", 2, 2, ExpectVisible},
@@ -226,6 +241,8 @@ constexpr CommandEntry kCommands[] = {
     {"wait-file", "PATH [gone]", 1, 2, WaitFile},
     {"resources", "mark | compare [TOLERANCE]", 1, 2, ResourcesCommand},
     {"timing", "start|stop NAME", 2, 2, Timing},
+    {"watch-paints", "", 0, 0, WatchPaints},
+    {"expect-paints", "LEAST", 1, 1, ExpectPaints},
     {"wait-until", "rows|frames|box|notice|no-dialogs|file|windows ...", 1, 4, WaitUntil},
     {"quit", "", 0, 0, Quit},
     {"echo", "TEXT...", 0, 99, Echo},

@@ -40,15 +40,21 @@ void Open(Stage& stage, const Words&) {
     });
 }
 
-void Send(Stage& stage, const Words& words, bool broadcast) {
+// CODE FIELD=VALUE... of the words from `first` on, as work for the user-interface thread.
+std::function<void(std::string&)> Sending(Stage& stage, const Words& words, std::size_t first,
+                                          bool broadcast) {
     std::uint16_t code = 0;
-    if (!ParseCode(words[0], code)) Fail("unknown message code");
+    if (!ParseCode(words[first], code)) Fail("unknown message code");
     std::vector<std::string> fields;
-    for (std::size_t i = 1; i < words.size(); ++i)
+    for (std::size_t i = first + 1; i < words.size(); ++i)
         fields.push_back(Narrow(FromUtf8(words[i])));
-    OnUiOrFail(stage, [&stage, code, fields, broadcast](std::string& error) {
+    return [&stage, code, fields, broadcast](std::string& error) {
         stage.Host().Send(code, fields, error, broadcast);
-    });
+    };
+}
+
+void Send(Stage& stage, const Words& words, bool broadcast) {
+    OnUiOrFail(stage, Sending(stage, words, 0, broadcast));
 }
 
 void SendMessageCommand(Stage& stage, const Words& words) {
@@ -57,6 +63,19 @@ void SendMessageCommand(Stage& stage, const Words& words) {
 void SendBroadcast(Stage& stage, const Words& words) {
     Send(stage, words, true);
 }
+// Whatever the digits say, frame or not.
+void SendBytes(Stage& stage, const Words& words) {
+    std::string bytes;
+    for (const std::string& word : words) {
+        std::uint64_t byte = 0;
+        if (word.size() != 2 || !ParseHex(word, byte)) Fail("two hexadecimal digits a byte");
+        bytes += static_cast<char>(byte);
+    }
+    OnUiOrFail(stage, [&stage, bytes](std::string& error) {
+        if (!stage.Host().Loaded().SendMessage(bytes)) error = "the plug-in registered no entry for messages";
+    });
+}
+
 void OpenByMessage(Stage& stage, const Words&) {
     Send(stage, {"ShowBar"}, false);
 }
@@ -116,8 +135,26 @@ void ExpectIntroduction(Stage& stage, const Words& words) {
 }
 
 void Reenter(Stage& stage, const Words& words) {
-    if (words[0] != "GetPluginBarID") Fail("only GetPluginBarID can be re-entered");
-    stage.OnUi([&] { stage.Host().reenterOnBarID = true; });
+    if (words[0] == "GetPluginBarID") return void(stage.OnUi([&] { stage.Host().reenterOnBarID = true; }));
+    if (words[0] != "GetMasterRequest" || words.size() < 2) Fail("what is sent out of which callback?");
+    const auto send = Sending(stage, words, 1, false);
+    stage.OnUi([&stage, send] {
+        stage.Host().Mood().Next([&stage, send] {
+            std::string error;
+            send(error);
+            stage.Host().Log().Add(EntryKind::Note, 0, "sent out of GetMasterRequest " + error);
+        });
+    });
+}
+
+void MasterAnswers(Stage& stage, const Words& words) {
+    std::uint32_t delay = 0;
+    if (words.size() > 1 && !ParseNumber(words[1], delay)) Fail("not a number");
+    const auto known = stage.AskUi<bool>([&stage, mood = words[0], delay] {
+        stage.Host().Mood().SetDelay(delay);
+        return stage.Host().Mood().Set(mood);
+    });
+    if (!known) Fail("no such mood");
 }
 
 void MakeContracts(Stage& stage, const Words& words) {
@@ -137,10 +174,12 @@ constexpr CommandEntry kCommands[] = {
     {"new-frame", "", 0, 0, NewFrame},
     {"send", "CODE [FIELD=VALUE...]", 1, 99, SendMessageCommand},
     {"broadcast", "CODE [FIELD=VALUE...]", 1, 99, SendBroadcast},
+    {"send-bytes", "HEX...", 1, 999, SendBytes},
     {"send-trade", "[COUNT]", 0, 1, SendTrade},
     {"getdllinfo", "FLAG [FILE]", 1, 2, GetDllInfoCommand},
     {"expect-frames-of-flag", "FLAG CODE...", 1, 99, ExpectIntroduction},
-    {"reenter-on", "GetPluginBarID", 1, 1, Reenter},
+    {"reenter-on", "GetPluginBarID | GetMasterRequest CODE [FIELD=VALUE...]", 1, 99, Reenter},
+    {"master-answers", "normal|nothing|no-list|nulls|long [MILLISECONDS]", 1, 2, MasterAnswers},
     {"make-contracts", "COUNT", 1, 1, MakeContracts},
 };
 

@@ -119,11 +119,10 @@ bool Plugin::OpenBar() {
     return true;
 }
 
-bool Plugin::SendMessage(CTagMessageWriter& frame) {
+bool Plugin::SendMessage(std::string_view frame) {
     if (!messages_.entry) return false;
-    const std::string_view bytes(reinterpret_cast<const char*>(frame.GetData()), frame.GetLength());
-    log_.Add(EntryKind::ToPlugin, CodeOf(bytes), bytes);
-    CTagMessageReader reader(bytes.data(), static_cast<std::uint16_t>(bytes.size()));
+    log_.Add(EntryKind::ToPlugin, CodeOf(frame), frame);
+    CTagMessageReader reader(frame.data(), static_cast<std::uint16_t>(frame.size()));
     At<MessageEntry>(messages_.entry)(&reader);
     return true;
 }

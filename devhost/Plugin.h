@@ -48,7 +48,7 @@ class Plugin {
     // False when the plug-in registered no such entry.
     bool OpenBar();
     // Hands a finished frame to the entry of plug-in messages, which opens it itself.
-    bool SendMessage(CTagMessageWriter& frame);
+    bool SendMessage(std::string_view frame);
     // Hands an opened frame to the entry of broadcasts.
     bool SendBroadcast(CTagMessageWriter& frame);
     bool TakesBroadcast(std::uint16_t code) const;

@@ -126,8 +126,9 @@ bool Terminal::Send(std::uint16_t code, std::vector<std::string> fields, std::st
     if (code == msg::SelectedContract && fields.empty()) fields.push_back("EntryOrReply=@reply");
     const auto frame = BuildFrame(code, fields, reinterpret_cast<std::uint64_t>(&TakeReply), error);
     if (!frame) return false;
+    const std::string_view bytes(reinterpret_cast<const char*>(frame->GetData()), frame->GetLength());
     const bool sent = broadcast || plugin_.TakesBroadcast(code) ? plugin_.SendBroadcast(*frame)
-                                                                : plugin_.SendMessage(*frame);
+                                                                : plugin_.SendMessage(bytes);
     if (!sent) error = "the plug-in registered no entry for messages";
     return sent;
 }

@@ -14,6 +14,7 @@
 #include "FrameLog.h"
 #include "MasterData.h"
 #include "Plugin.h"
+#include "Unfriendly.h"
 
 struct SelectedContractReply;
 
@@ -37,6 +38,8 @@ class Terminal {
     const std::filesystem::path& Folder() const { return folder_; }
     FrameLog& Log() { return log_; }
     MasterData& Master() { return master_; }
+    MasterMood& Mood() { return mood_; }
+    PaintWatch& Paints() { return paints_; }
     Plugin& Loaded() { return plugin_; }
 
     bool CreateFrame();
@@ -80,6 +83,8 @@ class Terminal {
     std::filesystem::path folder_;
     FrameLog log_;
     MasterData master_;
+    MasterMood mood_;
+    PaintWatch paints_;
     Plugin plugin_;
     std::unique_ptr<FrameWindow> frameWindow_;
     HWND frame_ = nullptr;

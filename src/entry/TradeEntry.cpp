@@ -72,8 +72,10 @@ bool TradeEntry::IsOption(const TradeDraft& draft) const {
     return Cell(draft, column::SecurityType).find("OPT") != std::string::npos;
 }
 
-std::span<const std::string> TradeEntry::Ask(std::uint32_t kind, std::vector<std::string> texts) {
-    if (kind == askedKind_ && texts == askedTexts_) return answer_;
+std::span<const std::string> TradeEntry::Ask(const TradeDraft& draft, std::uint32_t kind,
+                                             std::vector<std::string> texts) {
+    const std::uint32_t row = draft.id;
+    if (kind == askedKind_ && row == askedRow_ && texts == askedTexts_ && !answer_.empty()) return answer_;
     std::array<const char*, 5> given{};
     for (std::size_t i = 0; i < texts.size(); ++i)
         given[i] = texts[i].c_str();
@@ -83,6 +85,7 @@ std::span<const std::string> TradeEntry::Ask(std::uint32_t kind, std::vector<std
         if (answer.list[i] != nullptr) list.emplace_back(answer.list[i]);
     }
     askedKind_ = kind;
+    askedRow_ = row;
     askedTexts_ = std::move(texts);
     answer_ = std::move(list);
     return answer_;
@@ -92,7 +95,7 @@ std::span<const std::string> TradeEntry::ChoicesOf(const TradeDraft& draft, int 
     if (!IsContractCell(column)) return FixedChoices(column);
     std::vector<std::string> texts;
     for (const auto& [cell, request] : kContractCells) {
-        if (cell == column) return Ask(request, std::move(texts));
+        if (cell == column) return Ask(draft, request, std::move(texts));
         texts.push_back(Cell(draft, cell));
         if (texts.back().empty()) break;
     }

@@ -37,7 +37,8 @@ class TradeEntry {
 
     // What the cell can be chosen from, valid until the next call; empty: the cell takes any text.
     std::span<const std::string> ChoicesOf(const TradeDraft& draft, int column);
-    std::span<const std::string> Ask(std::uint32_t kind, std::vector<std::string> texts);
+    std::span<const std::string> Ask(const TradeDraft& draft, std::uint32_t kind,
+                                     std::vector<std::string> texts);
     bool Complete(const TradeDraft& draft, int column, std::string& text);
 
     void Cascade(TradeDraft& draft, int column, IDraftView& view);
@@ -52,8 +53,10 @@ class TradeEntry {
     IUser& user_;
     TradeBook& book_;
     IUiThread& ui_;
-    // The last list asked for: the end of one cell asks for what the next cell then offers.
+    // The last list asked for, and the row it was for: the end of one cell asks for what the next cell then
+    // offers. Another row asks anew, and so does a cell that was offered nothing.
     std::uint32_t askedKind_ = 0;
+    std::uint32_t askedRow_ = 0;
     std::vector<std::string> askedTexts_;
     std::vector<std::string> answer_;
 };

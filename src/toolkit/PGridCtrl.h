@@ -149,6 +149,9 @@ class CKRVPGridCtrl {
     void RowsReset();
     void RedrawRow(std::uint32_t row);
     void Redraw();
+    // Paints now when the window has waited for it too long: for rows that come without a pause, which would
+    // keep the system from ever asking for a paint.
+    void PaintWhenLate();
     // Between the two, changes of the rows cost no window work each: one update at the end. They nest.
     void BeginUpdate() { ++updates_; }
     void EndUpdate();

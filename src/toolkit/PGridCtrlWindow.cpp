@@ -1,4 +1,6 @@
 // The grid window's life, its messages, and the operations that change the model and redraw.
+#include <utility>
+
 #include "toolkit/ActivationContext.h"
 #include "toolkit/AnsiText.h"
 #include "toolkit/DockingBar.h"
@@ -14,6 +16,8 @@ using namespace Dravel;
 constexpr int kRowPadding = 3, kHeaderPadding = 5, kBandPadding = 3;
 // What frozen columns leave of the window for the others.
 constexpr int kLeastScrolled = 60;
+// A paint this late is made at once; the clock, the paint itself and the next row come on top of it.
+constexpr std::chrono::milliseconds kLatePaint{25};
 
 HWND Handle(void* window) {
     return static_cast<HWND>(window);
@@ -151,6 +155,7 @@ bool CKRVPGridCtrl::Look(std::uint32_t message, std::uintptr_t wparam, std::intp
 void CKRVPGridCtrl::Paint() {
     // Once a paint and not once a change: trades come one by one.
     UpdateScrollBars();
+    state_->unpainted = false;
     PAINTSTRUCT paint;
     const HDC screen = BeginPaint(Handle(window_), &paint);
     GridPaint::Paint(*this, screen, paint.rcPaint);
@@ -287,7 +292,16 @@ void CKRVPGridCtrl::EndUpdate() {
 }
 
 void CKRVPGridCtrl::Redraw() {
-    if (window_ != nullptr) InvalidateRect(Handle(window_), nullptr, FALSE);
+    if (window_ == nullptr) return;
+    InvalidateRect(Handle(window_), nullptr, FALSE);
+    if (std::exchange(state_->unpainted, true)) return;
+    state_->unpaintedSince = std::chrono::steady_clock::now();
+}
+
+void CKRVPGridCtrl::PaintWhenLate() {
+    if (window_ == nullptr || !state_->unpainted) return;
+    if (std::chrono::steady_clock::now() - state_->unpaintedSince >= kLatePaint)
+        UpdateWindow(Handle(window_));
 }
 
 void CKRVPGridCtrl::RedrawRow(std::uint32_t row) {

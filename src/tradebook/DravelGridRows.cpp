@@ -111,9 +111,10 @@ void CDravelGrid::RowAddedOnTop() {
     }
     rows_.RowAddedOnTop();
     StatusStale();
-    if (!first || selectedAtFirst_ == kNoItem) return;
-    const std::uint32_t row = RowOf(selectedAtFirst_);
-    if (row != kNoRow) AddSelection({row, row});
+    if (first && selectedAtFirst_ != kNoItem) {
+        if (const std::uint32_t row = RowOf(selectedAtFirst_); row != kNoRow) AddSelection({row, row});
+    }
+    PaintWhenLate();
 }
 
 bool CDravelGrid::MoveKey(std::uint32_t key, GridModifierKeys modifiers) {

@@ -5,6 +5,7 @@
 #include <windows.h>
 
 #include <bitset>
+#include <chrono>
 #include <cwchar>
 #include <string>
 
@@ -59,6 +60,8 @@ struct CKRVPGridCtrl::State {
     HBITMAP buffer = nullptr;
     SIZE bufferSize{};
     bool focused = false;
+    bool unpainted = false;  // what is shown is out of date, since this time
+    std::chrono::steady_clock::time_point unpaintedSince;
 
     Dravel::GridDrag drag = Dravel::GridDrag::None;
     int dragColumn = -1;
