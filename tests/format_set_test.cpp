@@ -5,6 +5,7 @@
 
 #include <algorithm>
 
+#include "entry/ImportSets.h"
 #include "formatset/FileNameFormat.h"
 #include "formatset/FormatSetFolder.h"
 #include "support/FakeClock.h"
@@ -18,13 +19,7 @@ using Test::FakeClock;
 using Test::FaultFiles;
 using Test::FileBytes;
 
-std::array<std::string_view, kMappedColumns> Texts(const char* TradeColumn::*text) {
-    std::array<std::string_view, kMappedColumns> texts;
-    std::transform(kTradeColumns.begin(), kTradeColumns.end(), texts.begin(),
-                   [text](const TradeColumn& column) { return column.*text; });
-    return texts;
-}
-const auto kTitles = Texts(&TradeColumn::header), kKeys = Texts(&TradeColumn::importKey);
+const auto kTitles = TextsOfColumns(&TradeColumn::header), kKeys = TextsOfColumns(&TradeColumn::importKey);
 
 FormatSet SampleSet() {
     FormatSet set;
@@ -244,6 +239,37 @@ TEST_F(SetFolder, FirstLineIsReadWhateverFollows) {
     EXPECT_TRUE(FirstLineOf(disk, "set/x.csv", line));
     EXPECT_EQ(line, "");
     EXPECT_FALSE(FirstLineOf(disk, "set/none.csv", line));
+}
+
+// What the import dialog offers.
+TEST_F(SetFolder, ImportChoosesAndSuggestsSets) {
+    FormatSet fitting, other;
+    fitting.rows[column::ClientID].field = "Party";
+    other.rows[column::ClientID].field = "Account";
+    folder.Save("fits", fitting, kTitles);
+    folder.Save("other", other, kTitles);
+    Put("broken.CSV", std::string(1, '\0'));
+    Put("trades.txt", "Party,x\n1,2\n");
+    ImportSets sets(disk, "set");
+    sets.Reload();
+    ASSERT_EQ(sets.Names().size(), 3u);
+    sets.Choose("OTHER");
+    EXPECT_EQ(sets.Chosen(), "other");
+    EXPECT_EQ(sets.Mapping().columns[column::ClientID].field, "Account");
+    EXPECT_EQ(sets.Suggestion("set/trades.txt"), "fits");
+    sets.Choose("fits");
+    EXPECT_EQ(sets.Suggestion("set/trades.txt"), "");
+    EXPECT_EQ(sets.Suggestion("set/missing"), "");
+    for (const char* none : {"broken", "missing", ""}) {
+        sets.Choose("fits");
+        sets.Choose(none);
+        EXPECT_EQ(sets.Chosen(), "") << none;
+        EXPECT_FALSE(sets.Mapping().NamesFields()) << none;
+    }
+    sets.Choose("fits");
+    folder.Remove("fits");
+    sets.Reload();
+    EXPECT_EQ(sets.Chosen(), "");
 }
 
 TEST(FileNameFormats, CarryTheLocalDate) {
