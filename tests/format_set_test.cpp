@@ -225,6 +225,20 @@ TEST_F(SetFolder, ASaveThatFailsLeavesTheOldSet) {
     EXPECT_GE(failures, 3);
 }
 
+TEST_F(SetFolder, ASaveWaitsForWhoeverReadsTheFile) {
+    ASSERT_TRUE(folder.Save("a", FormatSet{}, kTitles));
+    disk.HoldOpen("set/a.CSV", true);
+    EXPECT_EQ(folder.Save("a", SampleSet(), kTitles).fault, FileFault::InUse);
+    EXPECT_FALSE(disk.Has("set/a.CSV.new"));
+    int looks = 0;
+    disk.watch = [&] {
+        if (++looks == 7) disk.HoldOpen("set/a.CSV", false);
+    };
+    EXPECT_TRUE(folder.Save("a", SampleSet(), kTitles));
+    ASSERT_TRUE(folder.Load("a", loaded));
+    EXPECT_EQ(loaded, SampleSet());
+}
+
 TEST_F(SetFolder, FirstLineIsReadWhateverFollows) {
     std::string line;
     Put("x.csv",

@@ -111,8 +111,11 @@ void DlgImportDravel::Browse() {
     FileDialogParams params;
     params.title = L"Import Trades";
     params.filter = L"CSV files|*.CSV|All files|*.*";
-    params.path = FileToImport().wstring();
-    params.folder = FolderToPropose();
+    const std::filesystem::path file = FileToImport();
+    std::error_code failure;
+    const bool folder = std::filesystem::is_directory(file, failure);
+    if (!folder) params.path = file.wstring();
+    params.folder = folder ? file.wstring() : FolderToPropose();
     if (FileDialog(Window(), params)) TakeFile(params.path);
 }
 
@@ -139,6 +142,7 @@ void DlgImportDravel::ListSets() {
 
 void DlgImportDravel::ChooseListed() {
     const int listed = Selected(kSet);
+    byHand_ = true;
     sets_.Choose(listed > 0 ? sets_.Names()[static_cast<std::size_t>(listed) - 1] : std::filesystem::path());
     SetAnsiText(kSetHint, listed > 0 && sets_.Chosen().empty() ? "This format set can not be read" : "");
     ShowChosen();
@@ -158,7 +162,7 @@ void DlgImportDravel::TakeFile(const std::wstring& path) {
     SuggestSet();
 }
 
-// Once a path: what the user chooses after that stands.
+// Once a path. What the user chose by hand stands, and is told of the other.
 void DlgImportDravel::SuggestSet() {
     const std::wstring path = Unquoted(Text(kPath));
     if (import_ || path == suggestedFor_) return;
@@ -167,6 +171,10 @@ void DlgImportDravel::SuggestSet() {
     if (path.empty()) return;
     const std::filesystem::path name = sets_.Suggestion(FileToImport());
     if (name.empty()) return;
+    if (byHand_) {
+        SetText(kSetHint, std::wstring(L"The file's first line names the fields of ").append(name.wstring()));
+        return;
+    }
     sets_.Choose(name);
     ListSets();
     ShowChosen();
@@ -181,7 +189,7 @@ std::filesystem::path DlgImportDravel::FileToImport() const {
                                                                                           : path;
 }
 
-// Where the last import came from, as long as it is there.
+// Where the last import came from; the system passes over one that is gone.
 std::wstring DlgImportDravel::FolderToPropose() const {
     std::string folder;
     if (bar_.settings.Open(kSettingsKey)) bar_.settings.ReadText(kLastFolder, folder);
@@ -206,6 +214,7 @@ void DlgImportDravel::OnOk() {
     import_ = std::make_unique<CsvImport>(ports_, sets_.Mapping());
     if (!import_->Begin(path)) {
         import_.reset();
+        FocusItem(kPath);
         return;
     }
     Remember(path);

@@ -54,5 +54,6 @@ class DlgImportDravel final : public Dravel::DialogBase {
     std::wstring file_;                          // with which the dialog opens
     std::wstring setsPath_;                      // what the chosen set put into the path's field
     std::wstring suggestedFor_;                  // the path for which a set was looked for last
+    bool byHand_ = false;                        // the user chose from the list
     std::unique_ptr<Dravel::CsvImport> import_;  // while one runs
 };

@@ -11,8 +11,8 @@
 
 namespace Dravel {
 
-// The longest file of a set; a longer one is none.
-inline constexpr std::size_t kFormatSetLimit = 64 * 1024;
+// The longest file of a set; a longer one is none. Above what the set's dialog can make.
+inline constexpr std::size_t kFormatSetLimit = 256 * 1024;
 inline constexpr std::size_t kSetNameLimit = 100;
 
 // Whether a set may be called so: a plain name for a file on every disk that a terminal may use, without

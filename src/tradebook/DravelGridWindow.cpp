@@ -52,7 +52,11 @@ bool CDravelGrid::OnMessage(std::uint32_t message, std::uintptr_t wparam, std::i
     path.resize(DragQueryFileW(drop, 0, path.data(), static_cast<UINT>(path.size())));
     DragFinish(drop);
     result = 0;
-    if (!path.empty()) Import(path);
+    // Beneath an open dialog nothing is taken. The file manager was in front until now.
+    const HWND root = GetAncestor(static_cast<HWND>(Window()), GA_ROOT);
+    if (path.empty() || !IsWindowEnabled(root)) return true;
+    SetForegroundWindow(root);
+    Import(path);
     return true;
 }
 

@@ -96,15 +96,15 @@ CDlgFormatSet::CDlgFormatSet(IFiles& files, IUser& user, const DataFolder& folde
       grid_(files, folder.Root(), titles) {}
 
 fs::path CDlgFormatSet::Open(void* owner, const fs::path& name) {
-    current_ = name;
+    result_ = name;
     DoModal(owner, Shape());
-    return current_;
+    return result_;
 }
 
 void CDlgFormatSet::OnInit() {
     if (!MakeGrid()) return End(kDialogCancel);
     List();
-    const fs::path wanted = sets_.Find(current_);
+    const fs::path wanted = sets_.Find(result_);
     wanted.empty() ? ShowFirst() : ShowStored(wanted);
     FocusItem(kName);
 }
@@ -249,6 +249,7 @@ void CDlgFormatSet::Rename() {
     if (status.fault == FileFault::Exists)
         return Refuse(std::string("There is a format set called ").append(Quoted(name)));
     if (!status) return Say(FaultText("The format set could not be renamed", status));
+    if (result_ == current_) result_ = name;
     current_ = name;
     List();
 }
@@ -257,6 +258,7 @@ void CDlgFormatSet::Delete() {
     if (!Ask(std::string("Are you sure want to delete ").append(Quoted(current_)) + " ?")) return;
     if (const FileStatus status = sets_.Remove(current_); !status)
         return Say(FaultText("The format set could not be deleted", status));
+    if (result_ == current_) result_.clear();
     FocusItem(kName);  // its own button goes when no set is left
     current_.clear();
     List();
@@ -288,7 +290,7 @@ bool CDlgFormatSet::Store(const fs::path& name, const FormatSet& set) {
         Say(FaultText("The format set could not be saved", status));
         return false;
     }
-    current_ = name;
+    result_ = current_ = name;
     saved_ = set;
     List();
     Say(std::string("Format set ").append(Quoted(name)) + " saved");

@@ -21,7 +21,7 @@ class CDlgFormatSet final : public Dravel::DialogBase {
                   Dravel::ColumnTexts titles, Dravel::ColumnTexts keys);
 
     // Shows the set of that name first; without one the first there is, else a new one. Returns the name of
-    // the stored set that was shown last; empty: none.
+    // the set that was stored last; when none was, `name`, as it is called now; empty: none.
     std::filesystem::path Open(void* owner, const std::filesystem::path& name);
 
  private:
@@ -67,6 +67,7 @@ class CDlgFormatSet final : public Dravel::DialogBase {
     CFormatSetGrid grid_;
 
     std::vector<std::filesystem::path> names_;  // as listed
+    std::filesystem::path result_;              // of Open
     std::filesystem::path current_;             // the stored set that is shown; empty: a new one
     std::wstring typed_;                        // in the name's field, before the list overwrote it
     Dravel::FormatSet saved_;                   // what was shown when it was last stored
