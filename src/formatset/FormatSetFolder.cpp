@@ -120,7 +120,8 @@ fs::path FormatSetFolder::FreeName(const fs::path& wanted) const {
     fs::path name = wanted;
     for (int number = 2; !Find(name).empty(); ++number) {
         name = wanted;
-        name += " " + std::to_string(number);
+        name += " ";
+        name += std::to_string(number);
     }
     return name;
 }
