@@ -15,7 +15,7 @@
 namespace Dravel::DevHost {
 namespace {
 
-constexpr int kImportCommand = 40004, kImportPath = 1001, kFileName = 1148;
+constexpr int kImportCommand = 40004, kImportPath = 1001;
 
 HWND Topmost() {
     const HWND dialog = FindDialog(L"");
@@ -125,22 +125,6 @@ void NoDialogs(Stage& stage, const Words&) {
     if (!stage.Holds([] { return Dialogs().empty(); }, stage.limit)) Fail(DescribeDialogs());
 }
 
-// The system's own open and save dialogs.
-void FileDialog(Stage& stage, const Words& words) {
-    HWND dialog = nullptr, name = nullptr;
-    stage.Until(
-        [&] {
-            dialog = FindDialog(L"");
-            name = dialog ? FindControl(dialog, NumberText(kFileName)) : nullptr;
-            return name != nullptr;
-        },
-        "no file dialog");
-    const std::wstring path =
-        std::filesystem::path(stage.scriptFolder / FromUtf8(words[0])).make_preferred().native();
-    SendMessageW(name, WM_SETTEXT, 0, reinterpret_cast<LPARAM>(path.c_str()));
-    Answer(stage, dialog, "1");
-}
-
 void Import(Stage& stage, const Words& words) {
     stage.OnUi([] { PostMessageW(FindGrid(), WM_COMMAND, kImportCommand, 0); });
     const HWND dialog = AwaitDialog(stage, L"Import Trades");
@@ -199,7 +183,6 @@ constexpr CommandEntry kCommands[] = {
     {"dump-dialog", "FILE", 1, 1, DumpDialog},
     {"close-dialog", "", 0, 0, CloseDialog},
     {"no-dialogs", "", 0, 0, NoDialogs},
-    {"file-dialog", "PATH", 1, 1, FileDialog},
     {"import", "FILE", 1, 1, Import},
     {"wait-notice", "TEXT", 1, 1, WaitNotice},
     {"expect-notice", "TEXT", 1, 1, ExpectNotice},

@@ -67,8 +67,8 @@ void RemoveFile(Stage&, const Words& words) {
     if (error) Fail(error.message());
 }
 
-// The system's save dialog: a file of the folder for results.
-void SaveAs(Stage& stage, const Words& words) {
+// Fills in the system's open or save dialog and confirms it.
+void Confirm(Stage& stage, std::filesystem::path file) {
     HWND dialog = nullptr, name = nullptr;
     stage.Until(
         [&] {
@@ -77,7 +77,7 @@ void SaveAs(Stage& stage, const Words& words) {
             return name != nullptr;
         },
         "no file dialog");
-    const std::wstring path = stage.File(words[0]).make_preferred().native();
+    const std::wstring path = file.make_preferred().native();
     SendMessageW(name, WM_SETTEXT, 0, reinterpret_cast<LPARAM>(path.c_str()));
     // It loses a press that comes while it is still filling its list.
     const auto taken = [&] { return !IsWindowVisible(dialog) || FindDialog(L"") != dialog; };
@@ -88,6 +88,31 @@ void SaveAs(Stage& stage, const Words& words) {
     if (!taken()) Fail("the dialog stays");
 }
 
+// A file of the folder for results.
+void SaveAs(Stage& stage, const Words& words) {
+    Confirm(stage, stage.File(words[0]));
+}
+
+void FileDialog(Stage& stage, const Words& words) {
+    Confirm(stage, stage.scriptFolder / FromUtf8(words[0]));
+}
+
+// As a program that writes the file and may delete it.
+HANDLE heldFile = INVALID_HANDLE_VALUE;
+
+void ReleaseFile(Stage&, const Words&) {
+    if (heldFile != INVALID_HANDLE_VALUE) CloseHandle(heldFile);
+    heldFile = INVALID_HANDLE_VALUE;
+}
+
+void HoldFile(Stage& stage, const Words& words) {
+    ReleaseFile(stage, words);
+    heldFile = CreateFileW(FromUtf8(words[0]).c_str(), GENERIC_READ | GENERIC_WRITE | DELETE,
+                           FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr, OPEN_EXISTING, 0,
+                           nullptr);
+    if (heldFile == INVALID_HANDLE_VALUE) Fail("the file cannot be opened");
+}
+
 constexpr CommandEntry kCommands[] = {
     {"expect-in-file", "PATH TEXT", 2, 2, ExpectInFile},
     {"same-file", "FILE EXPECTED", 2, 2, SameFile},
@@ -95,6 +120,9 @@ constexpr CommandEntry kCommands[] = {
     {"remove-file", "PATH", 1, 1, RemoveFile},
     {"copy-file", "PATH FILE", 2, 2, CopyFileCommand},
     {"save-as", "FILE", 1, 1, SaveAs},
+    {"file-dialog", "PATH", 1, 1, FileDialog},
+    {"hold-file", "PATH", 1, 1, HoldFile},
+    {"release-file", "", 0, 0, ReleaseFile},
 };
 
 }  // namespace

@@ -1,4 +1,9 @@
-// Commands that work in the trade grid: its commands, keys, the mouse, and reading it through the clipboard.
+// Commands that work in the trade grid, or in the grid of the topmost dialog when that has one: its commands,
+// keys, the mouse, and reading it through the clipboard.
+#include <windows.h>
+// Needs the types of the line above.
+#include <shlobj.h>
+
 #include <algorithm>
 #include <charconv>
 #include <fstream>
@@ -26,6 +31,10 @@ constexpr WORD kCopy = 40013, kClearSelection = 40010;
 constexpr wchar_t kClipboardFormat[] = L"VELT_CLIPBOARD";
 
 HWND Grid() {
+    if (const auto dialogs = Dialogs(); !dialogs.empty()) {
+        for (HWND child : Descendants(dialogs.front()))
+            if (ClassOf(child) == kGridClass) return child;
+    }
     const HWND grid = FindGrid();
     if (!grid) Fail("the book is not open");
     return grid;
@@ -117,6 +126,23 @@ void SetGridText(Stage& stage, const Words& words) {
         "no such control in the grid");
     const std::wstring text = FromUtf8(words[1]);
     stage.OnUi([edit, text] { SetWindowTextW(edit, text.c_str()); });
+}
+
+// As a file manager drops it; the grid frees the block.
+void DropFile(Stage& stage, const Words& words) {
+    const std::wstring path =
+        std::filesystem::path(stage.scriptFolder / FromUtf8(words[0])).make_preferred().native();
+    const SIZE_T bytes = sizeof(DROPFILES) + (path.size() + 2) * sizeof(wchar_t);  // ends with two zeros
+    const HGLOBAL block = GlobalAlloc(GMEM_MOVEABLE | GMEM_ZEROINIT, bytes);
+    auto* files = block ? static_cast<DROPFILES*>(GlobalLock(block)) : nullptr;
+    if (!files) Fail("no memory");
+    files->pFiles = sizeof(DROPFILES);
+    files->fWide = TRUE;
+    std::copy(path.begin(), path.end(), reinterpret_cast<wchar_t*>(files + 1));
+    GlobalUnlock(block);
+    const HWND grid = Grid();
+    if (!(GetWindowLongPtrW(grid, GWL_EXSTYLE) & WS_EX_ACCEPTFILES)) Fail("the grid takes no files");
+    stage.OnUi([grid, block] { PostMessageW(grid, WM_DROPFILES, reinterpret_cast<WPARAM>(block), 0); });
 }
 
 bool ReadClipboard(std::string& text) {
@@ -211,6 +237,7 @@ constexpr CommandEntry kCommands[] = {
     {"click", "X Y [left|right|double|ctrl|shift]", 2, 3, ClickCommand},
     {"drag", "X Y TOX TOY", 4, 4, Drag},
     {"set-grid-text", "CONTROL TEXT", 2, 2, SetGridText},
+    {"drop-file", "FILE", 1, 1, DropFile},
     {"dump-grid", "FILE", 1, 1, DumpGrid},
     {"expect-rows", "COUNT", 1, 1, ExpectRows},
     {"expect-colour", "X Y RRGGBB", 3, 3, ExpectColour},

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "fuzz/csv_line_fuzz.h"
+#include "fuzz/format_set_fuzz.h"
 #include "fuzz/frame_fuzz.h"
 #include "fuzz/record_file_fuzz.h"
 #include "fuzz/settings_fuzz.h"
@@ -20,6 +21,7 @@ struct FuzzTarget {
 // One line for each fuzz/*_fuzz.cpp.
 const FuzzTarget kTargets[] = {
     {"csv_line_fuzz", Dravel::Fuzz::FuzzCsvLine},
+    {"format_set_fuzz", Dravel::Fuzz::FuzzFormatSet},
     {"frame_fuzz", Dravel::Fuzz::FuzzFrame},
     {"record_file_fuzz", Dravel::Fuzz::FuzzRecordFile},
     {"settings_fuzz", Dravel::Fuzz::FuzzSettings},

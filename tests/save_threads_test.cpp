@@ -67,7 +67,7 @@ class ThreadsSaveTest : public testing::Test {
     FakeUser user;
     Posted posted;
     TradeBook book{host};
-    BookParts parts{book, nullptr, posted, rig.log};
+    BookParts parts{book, nullptr, posted, rig.log, nullptr};
 };
 
 TEST_F(ThreadsSaveTest, SavingClearsTheFlagAndSaysSoWhenTheBytesAreThere) {

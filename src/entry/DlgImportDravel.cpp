@@ -4,97 +4,106 @@
 
 #include <charconv>
 #include <string>
+#include <system_error>
 
+#include "formatset/FileNameFormat.h"
+#include "formatset/dialog/DlgFormatSet.h"
+#include "toolkit/AnsiText.h"
 #include "toolkit/FileDialog.h"
+#include "tradebook/TradeColumns.h"
 
 using namespace Dravel;
 
 namespace {
 
-enum Control : int { kPath = 1001, kBrowse = 1002, kProgress = 1006, kState = 1007 };
+enum Control : int {
+    kPath = 1001,
+    kBrowse,
+    kFileName,
+    kEditSets,
+    kSet,
+    kProgress,
+    kState,
+    kSetHint,
+};
 
 constexpr UINT_PTR kSliceTimer = 1;
 constexpr ULONGLONG kSliceMilliseconds = 40;  // short enough for typing and painting in between
 constexpr std::size_t kSliceLines = 200;
 
-DialogTemplate Shape() {
-    DialogTemplate shape(L"Import Trades", 300, 92);
-    shape
-        .Add(
-            {.control = DialogControl::Static, .text = L"&File:", .x = 8, .y = 12, .width = 24, .height = 10})
-        .Add({.control = DialogControl::Edit,
-              .text = {},
-              .id = kPath,
-              .x = 36,
-              .y = 10,
-              .width = 196,
-              .height = 14,
-              .style = style::TabStop | style::Border | style::EditAutoHScroll})
-        .Add({.control = DialogControl::Button,
-              .text = L"&Browse...",
-              .id = kBrowse,
-              .x = 238,
-              .y = 10,
-              .width = 54,
-              .height = 14,
-              .style = style::TabStop})
-        .Add({.text = {},
-              .id = kProgress,
-              .x = 8,
-              .y = 34,
-              .width = 284,
-              .height = 10,
-              .className = kProgressClass})
-        .Add({.control = DialogControl::Static,
-              .text = {},
-              .id = kState,
-              .x = 8,
-              .y = 50,
-              .width = 284,
-              .height = 10})
-        .Add({.control = DialogControl::Button,
-              .text = L"&Import",
-              .id = IDOK,
-              .x = 180,
-              .y = 70,
-              .width = 54,
-              .height = 14,
-              .style = style::TabStop | style::DefaultButton})
-        .Add({.control = DialogControl::Button,
-              .text = L"Cancel",
-              .id = IDCANCEL,
-              .x = 238,
-              .y = 70,
-              .width = 54,
-              .height = 14,
-              .style = style::TabStop});
-    return shape;
-}
+constexpr wchar_t kNoSet[] = L"(none)";
+constexpr char kSettingsKey[] = "Import", kLastSet[] = "LastSet", kLastFolder[] = "LastFolder";
 
-// What is pasted from a file manager stands in quotes.
-std::wstring Unquoted(std::wstring path) {
-    const auto first = path.find_first_not_of(L" \t\"");
-    if (first == std::wstring::npos) return {};
-    return path.substr(first, path.find_last_not_of(L" \t\"") - first + 1);
+constexpr std::uint32_t kEditStyle = style::TabStop | style::EditAutoHScroll;
+
+// Each label stands in front of its field, so that its mnemonic goes there.
+DialogTemplate Shape() {
+    const DialogItem items[] = {
+        {DialogControl::Static, L"&File:", 0, 8, 12, 46, 9},
+        {DialogControl::Edit, {}, kPath, 56, 10, 188, 14, kEditStyle},
+        {DialogControl::Button, L"&Browse...", kBrowse, 250, 10, 62, 14, style::TabStop},
+        {DialogControl::Static, L"File &name:", 0, 8, 32, 46, 9},
+        {DialogControl::Edit, {}, kFileName, 56, 30, 188, 14, kEditStyle},
+        {DialogControl::Button, L"F&ormat Sets...", kEditSets, 250, 30, 62, 14, style::TabStop},
+        {DialogControl::Static, L"Format &set:", 0, 8, 52, 46, 9},
+        {DialogControl::ComboBox,
+         {},
+         kSet,
+         56,
+         50,
+         188,
+         120,
+         style::TabStop | style::VScroll | style::ComboDropDownList},
+        {DialogControl::Static, {}, kSetHint, 56, 67, 256, 9},
+        {DialogControl::Static, {}, kProgress, 8, 82, 304, 10, 0, kProgressClass},
+        {DialogControl::Static, {}, kState, 8, 98, 304, 9},
+        {DialogControl::Button, L"&Import", IDOK, 200, 114, 54, 14, style::TabStop | style::DefaultButton},
+        {DialogControl::Button, L"Cancel", IDCANCEL, 258, 114, 54, 14, style::TabStop},
+    };
+    DialogTemplate shape(L"Import Trades", 320, 136);
+    for (const DialogItem& item : items)
+        shape.Add(item);
+    return shape;
 }
 
 }  // namespace
 
-void Dravel::ShowImportDialog(void* owner, const ImportPorts& ports) {
-    DlgImportDravel(ports).Open(owner);
+void Dravel::ShowImportDialog(void* owner, const ImportPorts& ports, const BarContext& bar,
+                              const std::filesystem::path& file) {
+    DlgImportDravel(ports, bar).Open(owner, file);
 }
 
-std::intptr_t DlgImportDravel::Open(void* owner) {
+DlgImportDravel::DlgImportDravel(const ImportPorts& ports, const BarContext& bar)
+    : ports_(ports), bar_(bar), sets_(ports.files, bar.folder.FormatSets()) {}
+
+std::intptr_t DlgImportDravel::Open(void* owner, const std::filesystem::path& file) {
+    file_ = file.wstring();
     return DoModal(owner, Shape());
 }
 
+// The set used last is chosen again; a file that is given may ask for another.
 void DlgImportDravel::OnInit() {
+    std::string last;
+    if (bar_.settings.Open(kSettingsKey)) bar_.settings.ReadText(kLastSet, last);
+    sets_.Choose(Widen(last));
+    ListSets();
+    ShowChosen();
+    if (!file_.empty()) TakeFile(file_);
     FocusItem(kPath);
 }
 
-bool DlgImportDravel::OnCommand(int id, int) {
-    if (id != kBrowse) return false;
-    Browse();
+bool DlgImportDravel::OnCommand(int id, int code) {
+    if (id == kPath && code == EN_KILLFOCUS) {
+        SuggestSet();
+    } else if (id == kBrowse && code == BN_CLICKED) {
+        Browse();
+    } else if (id == kEditSets && code == BN_CLICKED) {
+        EditSets();
+    } else if (id == kSet && code == CBN_SELCHANGE) {
+        ChooseListed();
+    } else {
+        return false;
+    }
     return true;
 }
 
@@ -102,23 +111,113 @@ void DlgImportDravel::Browse() {
     FileDialogParams params;
     params.title = L"Import Trades";
     params.filter = L"CSV files|*.CSV|All files|*.*";
-    params.path = Unquoted(Text(kPath));
-    if (FileDialog(Window(), params)) SetText(kPath, params.path);
+    const std::filesystem::path file = FileToImport();
+    std::error_code failure;
+    const bool folder = std::filesystem::is_directory(file, failure);
+    if (!folder) params.path = file.wstring();
+    params.folder = folder ? file.wstring() : FolderToPropose();
+    if (FileDialog(Window(), params)) TakeFile(params.path);
+}
+
+void DlgImportDravel::EditSets() {
+    const auto titles = TextsOfColumns(&TradeColumn::header), keys = TextsOfColumns(&TradeColumn::importKey);
+    CDlgFormatSet dialog(bar_.files, bar_.user, bar_.folder, titles, keys);
+    sets_.Choose(dialog.Open(Window(), sets_.Chosen()));
+    SetAnsiText(kSetHint, "");
+    ListSets();
+    ShowChosen();
+}
+
+void DlgImportDravel::ListSets() {
+    sets_.Reload();
+    ClearList(kSet);
+    AddString(kSet, kNoSet);
+    int chosen = 0;
+    for (const auto& name : sets_.Names()) {
+        AddString(kSet, name.wstring());
+        if (name == sets_.Chosen()) chosen = 1 + static_cast<int>(&name - sets_.Names().data());
+    }
+    Select(kSet, chosen);
+}
+
+void DlgImportDravel::ChooseListed() {
+    const int listed = Selected(kSet);
+    byHand_ = true;
+    sets_.Choose(listed > 0 ? sets_.Names()[static_cast<std::size_t>(listed) - 1] : std::filesystem::path());
+    SetAnsiText(kSetHint, listed > 0 && sets_.Chosen().empty() ? "This format set can not be read" : "");
+    ShowChosen();
+}
+
+// The set's name and folder go into their fields; a file that the user chose stays.
+void DlgImportDravel::ShowChosen() {
+    SetAnsiText(kFileName, ExpandFileName(sets_.Mapping().fileNameFormat, ports_.clock));
+    const std::wstring path = Text(kPath), folder = Widen(sets_.Mapping().filePath);
+    if (!path.empty() && path != setsPath_) return;
+    SetText(kPath, folder);
+    setsPath_ = folder;
+}
+
+void DlgImportDravel::TakeFile(const std::wstring& path) {
+    SetText(kPath, path);
+    SuggestSet();
+}
+
+// Once a path. What the user chose by hand stands, and is told of the other.
+void DlgImportDravel::SuggestSet() {
+    const std::wstring path = Unquoted(Text(kPath));
+    if (import_ || path == suggestedFor_) return;
+    suggestedFor_ = path;
+    SetAnsiText(kSetHint, "");
+    if (path.empty()) return;
+    const std::filesystem::path name = sets_.Suggestion(FileToImport());
+    if (name.empty()) return;
+    if (byHand_) {
+        SetText(kSetHint, std::wstring(L"The file's first line names the fields of ").append(name.wstring()));
+        return;
+    }
+    sets_.Choose(name);
+    ListSets();
+    ShowChosen();
+    SetAnsiText(kSetHint, "Chosen because the file's first line names its fields");
+}
+
+// A folder stands for the file of the expanded name in it.
+std::filesystem::path DlgImportDravel::FileToImport() const {
+    const std::filesystem::path path(Unquoted(Text(kPath))), name(Unquoted(Text(kFileName)));
+    std::error_code failure;
+    return !name.empty() && !path.empty() && std::filesystem::is_directory(path, failure) ? path / name
+                                                                                          : path;
+}
+
+// Where the last import came from; the system passes over one that is gone.
+std::wstring DlgImportDravel::FolderToPropose() const {
+    std::string folder;
+    if (bar_.settings.Open(kSettingsKey)) bar_.settings.ReadText(kLastFolder, folder);
+    return Widen(folder);
+}
+
+void DlgImportDravel::Remember(const std::filesystem::path& file) const {
+    if (!bar_.settings.CreateKey(kSettingsKey)) return;
+    bar_.settings.WriteText(kLastSet, Narrow(sets_.Chosen().wstring()));
+    bar_.settings.WriteText(kLastFolder, Narrow(file.parent_path().wstring()));
+    bar_.SaveSettings();
 }
 
 void DlgImportDravel::OnOk() {
     if (import_) return;
-    const std::wstring path = Unquoted(Text(kPath));
+    const std::filesystem::path path = FileToImport();
     if (path.empty()) {
         ports_.user.Box("Please Select File", "DravelImport", Buttons::Ok, Icon::Warning);
         FocusItem(kPath);
         return;
     }
-    import_ = std::make_unique<CsvImport>(ports_, mapping_);
+    import_ = std::make_unique<CsvImport>(ports_, sets_.Mapping());
     if (!import_->Begin(path)) {
         import_.reset();
+        FocusItem(kPath);
         return;
     }
+    Remember(path);
     EnableControls(false);
     NextSlice();
 }
@@ -175,7 +274,8 @@ void DlgImportDravel::ShowProgress() {
 }
 
 void DlgImportDravel::EnableControls(bool idle) {
-    for (const int id : {static_cast<int>(kPath), static_cast<int>(kBrowse), static_cast<int>(kDialogOk)})
+    for (const int id : {static_cast<int>(kPath), static_cast<int>(kBrowse), static_cast<int>(kFileName),
+                         static_cast<int>(kEditSets), static_cast<int>(kSet), kDialogOk})
         Enable(id, idle);
     if (!idle) return;
     SetProgress(kProgress, 0);

@@ -1,15 +1,20 @@
 // The dialog through which the user imports a CSV file.
 #pragma once
 
+#include <filesystem>
 #include <memory>
 
 #include "entry/CsvImport.h"
+#include "entry/ImportSets.h"
 #include "toolkit/DialogBase.h"
+#include "tradebook/BarContext.h"
 
 namespace Dravel {
 
-// Modal to `owner` (HWND). Returns when the user closes it, or after an import that added trades.
-void ShowImportDialog(void* owner, const ImportPorts& ports);
+// Modal to `owner` (HWND), with `file` filled in unless it is empty. Returns when the user closes it, or
+// after an import that added trades.
+void ShowImportDialog(void* owner, const ImportPorts& ports, const BarContext& bar,
+                      const std::filesystem::path& file);
 
 }  // namespace Dravel
 
@@ -17,8 +22,8 @@ void ShowImportDialog(void* owner, const ImportPorts& ports);
 // dialog stays open as long as it runs, and Cancel then ends the import and not the dialog.
 class DlgImportDravel final : public Dravel::DialogBase {
  public:
-    explicit DlgImportDravel(const Dravel::ImportPorts& ports) : ports_(ports) {}
-    std::intptr_t Open(void* owner);
+    DlgImportDravel(const Dravel::ImportPorts& ports, const Dravel::BarContext& bar);
+    std::intptr_t Open(void* owner, const std::filesystem::path& file);
 
  private:
     void OnInit() override;
@@ -29,12 +34,26 @@ class DlgImportDravel final : public Dravel::DialogBase {
                    std::intptr_t& result) override;
 
     void Browse();
+    void EditSets();
+    void ListSets();
+    void ChooseListed();
+    void ShowChosen();
+    void TakeFile(const std::wstring& path);
+    void SuggestSet();
+    std::filesystem::path FileToImport() const;
+    std::wstring FolderToPropose() const;
+    void Remember(const std::filesystem::path& file) const;
     void NextSlice();
     void Slice();
     void ShowProgress();
     void EnableControls(bool idle);
 
     Dravel::ImportPorts ports_;
-    Dravel::ImportMapping mapping_;              // no format set: the file's first line names the fields
+    const Dravel::BarContext& bar_;
+    Dravel::ImportSets sets_;
+    std::wstring file_;                          // with which the dialog opens
+    std::wstring setsPath_;                      // what the chosen set put into the path's field
+    std::wstring suggestedFor_;                  // the path for which a set was looked for last
+    bool byHand_ = false;                        // the user chose from the list
     std::unique_ptr<Dravel::CsvImport> import_;  // while one runs
 };

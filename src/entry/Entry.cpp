@@ -54,11 +54,12 @@ void Entry::Delete(IDraftView& view) {
 }
 
 // Importing twice at a time would let the inner run see half of the outer one.
-void Entry::Import(void* owner) {
-    if (!parts_ || importing_) return;
+void Entry::Import(void* owner, const std::filesystem::path& file) {
+    if (!parts_ || !parts_->bar || importing_) return;
     importing_ = true;
-    context_.importDialog(owner, {context_.files, context_.host, context_.user, context_.clock, parts_->book,
-                                  context_.clients});
+    context_.importDialog(
+        owner, {context_.files, context_.host, context_.user, context_.clock, parts_->book, context_.clients},
+        *parts_->bar, file);
     importing_ = false;
 }
 

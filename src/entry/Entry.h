@@ -23,7 +23,9 @@ struct EntryContext {
     IFiles& files;
     IClock& clock;
     ManualClients& clients;
-    void (*importDialog)(void* owner, const ImportPorts& ports);  // ShowImportDialog, but in tests
+    // ShowImportDialog, but in tests.
+    void (*importDialog)(void* owner, const ImportPorts& ports, const BarContext& bar,
+                         const std::filesystem::path& file);
 };
 
 // User-interface thread. Between BookClosed and the next BookOpened every request does nothing.
@@ -36,7 +38,7 @@ class Entry final : public IEntry {
     void Save() override;
     bool AskToSave() override;
     void SaveNow() override;
-    void Import(void* owner) override;
+    void Import(void* owner, const std::filesystem::path& file) override;
     void Choices(const TradeDraft& draft, int column, std::string_view typed,
                  std::vector<std::string>& choices) override;
     EditEnd EndEdit(TradeDraft& draft, int column, std::string_view text, IDraftView& view) override;

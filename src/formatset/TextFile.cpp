@@ -4,8 +4,13 @@
 #include <memory>
 #include <utility>
 
+#include "platform/Clock.h"
+
 namespace Dravel {
 namespace {
+
+constexpr int kSwapTries = 10;
+constexpr std::uint32_t kSwapPause = 50;  // milliseconds
 
 std::string WithDiskLineEnds(std::string_view text) {
     std::string bytes;
@@ -35,6 +40,15 @@ FileStatus WriteFlushed(IFiles& files, const std::filesystem::path& path, const 
     return status;
 }
 
+// Somebody may be reading the old file just now.
+FileStatus Swap(IFiles& files, const std::filesystem::path& beside, const std::filesystem::path& path) {
+    for (int tries = 1;; ++tries) {
+        const FileStatus status = files.Replace(beside, path);
+        if (status.fault != FileFault::InUse || tries == kSwapTries) return status;
+        SystemClock().Sleep(kSwapPause);
+    }
+}
+
 }  // namespace
 
 FileStatus ReadTextFile(IFiles& files, const std::filesystem::path& path, std::string& text) {
@@ -59,7 +73,7 @@ FileStatus WriteTextFile(IFiles& files, const std::filesystem::path& path, std::
     std::filesystem::path beside = path;
     beside += ".new";
     FileStatus status = WriteFlushed(files, beside, WithDiskLineEnds(text));
-    if (status) status = files.Replace(beside, path);
+    if (status) status = Swap(files, beside, path);
     if (!status) files.Remove(beside);
     return status;
 }

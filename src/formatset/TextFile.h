@@ -18,7 +18,8 @@ inline constexpr std::size_t kTextFileLimit = std::size_t{16} * 1024 * 1024;
 FileStatus ReadTextFile(IFiles& files, const std::filesystem::path& path, std::string& text);
 
 // Writes beside the file (".new" behind its name), flushes, then replaces it in one step: at every moment the
-// old or the new text is there whole. Makes missing folders. After a failure nothing is left beside the file.
+// old or the new text is there whole. Waits up to half a second for a program that has the file open. Makes
+// missing folders. After a failure nothing is left beside the file.
 FileStatus WriteTextFile(IFiles& files, const std::filesystem::path& path, std::string_view text);
 
 }  // namespace Dravel

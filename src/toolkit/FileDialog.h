@@ -18,4 +18,7 @@ struct FileDialogParams {
 // True when the user confirmed; else `params.path` is unchanged. UI thread.
 bool FileDialog(void* owner, FileDialogParams& params);
 
+// A path as the user typed or pasted it: what is pasted from a file manager stands in quotes.
+std::wstring Unquoted(std::wstring path);
+
 }  // namespace Dravel

@@ -49,4 +49,10 @@ bool FileDialog(void* owner, FileDialogParams& params) {
     return chosen;
 }
 
+std::wstring Unquoted(std::wstring path) {
+    const auto first = path.find_first_not_of(L" \t\"");
+    if (first == std::wstring::npos) return {};
+    return path.substr(first, path.find_last_not_of(L" \t\"") - first + 1);
+}
+
 }  // namespace Dravel

@@ -27,6 +27,8 @@ class IGridSource {
     // Display text of a cell in the ANSI code page, into `text` (emptied first). `row` below RowCount().
     virtual void CellText(std::uint32_t row, int column, std::string& text) const = 0;
     virtual GridRowStyle RowStyle(std::uint32_t row) const = 0;
+    // What a cell has of its own, above the row's; a selected row shows the selection's colours.
+    virtual GridRowStyle CellStyle(std::uint32_t /*row*/, int /*column*/) const { return {}; }
     virtual GridGroupHead GroupHead(std::uint32_t /*row*/) const { return {}; }
     // What a group's head says, across all columns. Into `text` (emptied first).
     virtual void GroupText(std::uint32_t /*row*/, std::string& text) const { text.clear(); }

@@ -138,6 +138,11 @@ void Painter::Cell(std::uint32_t row, int position, CellLook look, std::string& 
     ansi.clear();
     source_->CellText(row, column, ansi);
     Widen(std::string_view(ansi).substr(0, kMaxShownBytes), wide);
+    if (!model_.Selection().Contains(row)) {
+        const GridRowStyle own = source_->CellStyle(row, column);
+        if (own.background != kDefaultColour) look.back = own.background;
+        if (own.text != kDefaultColour) look.text = own.text;
+    }
     Text(clip, cell, wide, columns_[column].align, look);
     if (focused && row == model_.CurrentRow() && column == model_.CurrentColumn()) {
         const bool selected = model_.Selection().Contains(row);

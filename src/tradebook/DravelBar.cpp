@@ -27,7 +27,7 @@ bool CDravelBar::OnCreate() {
     if (!grid_->Create(Window(), Content(), 0)) return false;
     LoadBook();
     MakeStatusLine();
-    context_.entry.BookOpened({book_, store_.get(), *this, context_.log});
+    context_.entry.BookOpened({book_, store_.get(), *this, context_.log, &context_});
     return true;
 }
 

@@ -50,6 +50,7 @@ bool CDravelGrid::OnCreate() {
     SetSource(this);
     RestoreColumnOrder();
     divisors_.Load(context_.files, context_.folder.Divisors());
+    AcceptFiles();
     AnnounceGrid();
     return true;
 }
@@ -118,6 +119,11 @@ void CDravelGrid::OnHeaderMenu(int, GridMenu& menu) {
                   {command::SaveLayout, L"Sa&ve Layout"}});
 }
 
+void CDravelGrid::Import(const std::filesystem::path& file) {
+    EndOpenEdit();
+    entry_.Import(Window(), file);
+}
+
 // The commands that read the rows or leave the cell end its edit first.
 bool CDravelGrid::OnCommand(std::uint32_t id) {
     if ((id >= command::AddTrade && id <= command::ExportCsv) || id == command::Copy) EndOpenEdit();
@@ -132,7 +138,7 @@ bool CDravelGrid::OnCommand(std::uint32_t id) {
             entry_.Save();
             return true;
         case command::Import:
-            entry_.Import(Window());
+            Import({});
             return true;
         case command::CopyHtml:
             CopyAsHtml();

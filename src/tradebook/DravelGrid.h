@@ -72,6 +72,10 @@ class CDravelGrid final : public CVELTSGridCtrl,
     void OnHeaderMenu(int column, Dravel::GridMenu& menu) override;
     void OnContextMenu(int x, int y, const Dravel::GridHit& hit) override;
     void OnFocus(bool gained) override;
+    bool OnMessage(std::uint32_t message, std::uintptr_t wparam, std::intptr_t lparam,
+                   std::intptr_t& result) override;
+    void AcceptFiles();
+    void Import(const std::filesystem::path& file);
     void OnFrozenChanged(int count) override { properties_.columnFreeze = count; }
     Dravel::IUser* User() override { return &user_; }
     const char* GridName() const override { return Dravel::kGridKey; }

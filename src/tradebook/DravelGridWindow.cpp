@@ -1,4 +1,6 @@
 #include <windows.h>
+// Needs the types of the line above.
+#include <shellapi.h>
 
 #include "tradebook/DravelGrid.h"
 
@@ -35,6 +37,27 @@ constexpr MenuEntry kMenu[] = {
 
 void CDravelGrid::TakeKeyboard() {
     SetFocus(static_cast<HWND>(Window()));
+}
+
+void CDravelGrid::AcceptFiles() {
+    DragAcceptFiles(static_cast<HWND>(Window()), TRUE);
+}
+
+// The first of the files that were dropped is to be imported.
+bool CDravelGrid::OnMessage(std::uint32_t message, std::uintptr_t wparam, std::intptr_t,
+                            std::intptr_t& result) {
+    if (message != WM_DROPFILES) return false;
+    const auto drop = reinterpret_cast<HDROP>(wparam);
+    std::wstring path(DragQueryFileW(drop, 0, nullptr, 0) + std::size_t{1}, L'\0');
+    path.resize(DragQueryFileW(drop, 0, path.data(), static_cast<UINT>(path.size())));
+    DragFinish(drop);
+    result = 0;
+    // Beneath an open dialog nothing is taken. The file manager was in front until now.
+    const HWND root = GetAncestor(static_cast<HWND>(Window()), GA_ROOT);
+    if (path.empty() || !IsWindowEnabled(root)) return true;
+    SetForegroundWindow(root);
+    Import(path);
+    return true;
 }
 
 void CDravelGrid::OnContextMenu(int x, int y, const GridHit&) {

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <filesystem>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -14,6 +15,7 @@
 namespace Dravel {
 
 class BookFile;
+struct BarContext;
 
 // How the end of a cell's edit went.
 enum class EditEnd : std::uint8_t {
@@ -29,6 +31,7 @@ struct BookParts {
     BookFile* store;  // nullptr: another program owns the book's file, nothing can be saved
     IUiThread& ui;
     ILog& log;
+    const BarContext* bar;  // nullptr: no bar shows the book
 };
 
 // User-interface thread throughout.
@@ -56,8 +59,8 @@ class IEntry {
     virtual std::string Missing(const TradeDraft& draft) const = 0;
     // Asks, and deletes the selected trades; without any the current row, if it is one being typed.
     virtual void Delete(IDraftView& view) = 0;
-    // The import dialog, modal to `owner`.
-    virtual void Import(void* owner) = 0;
+    // The import dialog, modal to `owner`, with `file` filled in when it is not empty.
+    virtual void Import(void* owner, const std::filesystem::path& file) = 0;
     // An import runs: the bar must neither hide nor close.
     virtual bool Busy() const = 0;
 };

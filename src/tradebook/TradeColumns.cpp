@@ -190,4 +190,11 @@ void CopyContract(TradeRecord& record, const TradeRecord& from) {
     record.security = from.security;
 }
 
+std::array<std::string_view, column::Count> TextsOfColumns(const char* TradeColumn::*text) {
+    std::array<std::string_view, column::Count> texts;
+    for (std::size_t index = 0; index < texts.size(); ++index)
+        texts[index] = kTradeColumns[index].*text;
+    return texts;
+}
+
 }  // namespace Dravel

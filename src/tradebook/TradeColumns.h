@@ -70,6 +70,9 @@ struct TradeColumn {
 
 extern const std::array<TradeColumn, column::Count> kTradeColumns;
 
+// One of the texts of every column, as `&TradeColumn::header`.
+std::array<std::string_view, column::Count> TextsOfColumns(const char* TradeColumn::*text);
+
 // The server under which all trades are kept.
 inline constexpr std::string_view kServerName = "Dravel";
 

@@ -15,6 +15,11 @@ mkdir -p "$stage/PLUGINDLLS/Dravel" "$stage/samples" "$stage/out"
 cp "$build/$host" "$stage/VELTSHost.exe"
 cp "$build/Dravel64R.dll" "$stage/PLUGINDLLS/Dravel/"
 cp "$source"/samples/*.csv "$stage/samples/"
+cp -R "$source/samples/brokers" "$stage/samples/"
+case $(basename "$script") in import-sets*)
+  mkdir -p "$stage/PLUGINDLLS/Dravel/Dravel/CSV/DravelFormateSet"
+  cp "$source"/samples/formatsets/*.CSV "$stage/PLUGINDLLS/Dravel/Dravel/CSV/DravelFormateSet/" ;;
+esac
 case $(basename "$script") in bad-input*)
   # What a broken disk leaves: neither may keep the book from opening.
   mkdir -p "$stage/PLUGINDLLS/Dravel/Dravel/Data"

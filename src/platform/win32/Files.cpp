@@ -105,7 +105,8 @@ class Win32File final : public IFile {
 DWORD ShareOf(FileShare share) {
     switch (share) {
         case FileShare::DenyNone:
-            return FILE_SHARE_READ | FILE_SHARE_WRITE;
+            // Also beside a program that holds the file so that it may delete it.
+            return FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
         case FileShare::DenyWrite:
             return FILE_SHARE_READ;
         case FileShare::DenyAll:
