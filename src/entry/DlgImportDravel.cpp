@@ -2,7 +2,6 @@
 
 #include <windows.h>
 
-#include <charconv>
 #include <string>
 
 #include "toolkit/FileDialog.h"
@@ -16,6 +15,7 @@ enum Control : int { kPath = 1001, kBrowse = 1002, kProgress = 1006, kState = 10
 constexpr UINT_PTR kSliceTimer = 1;
 constexpr ULONGLONG kSliceMilliseconds = 40;  // short enough for typing and painting in between
 constexpr std::size_t kSliceLines = 200;
+constexpr ULONGLONG kLongRun = 2000;  // milliseconds, from which on the button says what it would cancel
 
 DialogTemplate Shape() {
     DialogTemplate shape(L"Import Trades", 300, 92);
@@ -120,6 +120,7 @@ void DlgImportDravel::OnOk() {
         return;
     }
     EnableControls(false);
+    started_ = GetTickCount64();
     NextSlice();
 }
 
@@ -156,7 +157,7 @@ void DlgImportDravel::Slice() {
         NextSlice();
         return;
     }
-    const bool imported = import_->Finish();
+    const bool imported = import_->Finish() && !import_->Counts().cancelled;
     import_.reset();
     if (imported) {
         End(kDialogOk);
@@ -169,15 +170,20 @@ void DlgImportDravel::ShowProgress() {
     const ImportProgress progress = import_->Progress();
     if (progress.bytesOfAll != 0)
         SetProgress(kProgress, static_cast<int>(progress.bytes * 1000 / progress.bytesOfAll));
-    char digits[24];
-    const auto end = std::to_chars(digits, digits + sizeof(digits), progress.lines);
-    SetAnsiText(kState, std::string(digits, end.ptr) + " lines read");
+    SetAnsiText(kState, ProgressText(progress));
+    if (!saysCancel_ && GetTickCount64() - started_ >= kLongRun) {
+        saysCancel_ = true;
+        SetText(kDialogCancel, L"Cancel Import");
+    }
 }
 
 void DlgImportDravel::EnableControls(bool idle) {
+    if (!idle) FocusItem(kDialogCancel);  // a disabled control would swallow the keys
     for (const int id : {static_cast<int>(kPath), static_cast<int>(kBrowse), static_cast<int>(kDialogOk)})
         Enable(id, idle);
     if (!idle) return;
+    saysCancel_ = false;
+    SetText(kDialogCancel, L"Cancel");
     SetProgress(kProgress, 0);
     SetAnsiText(kState, "");
     FocusItem(kPath);

@@ -14,7 +14,7 @@ void ShowImportDialog(void* owner, const ImportPorts& ports);
 }  // namespace Dravel
 
 // The import runs in slices between the dialog's messages, so windows paint and answer all the while; the
-// dialog stays open as long as it runs, and Cancel then ends the import and not the dialog.
+// dialog stays open as long as it runs. Cancel then ends the import and not the dialog.
 class DlgImportDravel final : public Dravel::DialogBase {
  public:
     explicit DlgImportDravel(const Dravel::ImportPorts& ports) : ports_(ports) {}
@@ -37,4 +37,6 @@ class DlgImportDravel final : public Dravel::DialogBase {
     Dravel::ImportPorts ports_;
     Dravel::ImportMapping mapping_;              // no format set: the file's first line names the fields
     std::unique_ptr<Dravel::CsvImport> import_;  // while one runs
+    std::uint64_t started_ = 0;                  // milliseconds, of the system's clock
+    bool saysCancel_ = false;                    // the button names the run
 };

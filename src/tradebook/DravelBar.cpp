@@ -27,7 +27,7 @@ bool CDravelBar::OnCreate() {
     if (!grid_->Create(Window(), Content(), 0)) return false;
     LoadBook();
     MakeStatusLine();
-    context_.entry.BookOpened({book_, store_.get(), *this, context_.log});
+    context_.entry.BookOpened({book_, store_.get(), *this, context_.log, [this] { StatusStale(); }});
     return true;
 }
 
@@ -74,6 +74,7 @@ void CDravelBar::ShowStatus() {
                                     .bought = book_.Totals().bought,
                                     .sold = book_.Totals().sold,
                                     .changed = book_.Changed(),
+                                    .import = context_.entry.ImportSummary(),
                                     .notice = said});
     status_.SetTexts(texts);
 }

@@ -15,7 +15,7 @@ struct DuplicateKeys::Key {
     static constexpr std::size_t kCapacity = 32 + 48 + 48 + 22 + 3;
     char bytes[kCapacity];
     std::size_t length = 0;
-    std::uint64_t hash = 0;
+    std::uint32_t hash = 0;
 
     explicit Key(const TradeRecord& record) {
         Put(TextOf(record.symbol));
@@ -25,7 +25,7 @@ struct DuplicateKeys::Key {
         Put(TextOf(record.exchangeOrderNo));
         bytes[length++] = '|';
         Put(TextOf(record.exchangeTradeTime));
-        hash = std::hash<std::string_view>{}(Text());
+        hash = static_cast<std::uint32_t>(std::hash<std::string_view>{}(Text()));
     }
     std::string_view Text() const { return {bytes, length}; }
 
@@ -53,21 +53,26 @@ bool DuplicateKeys::Holds(const TradeRecord& record) const {
     return !table_.empty() && table_[PlaceOf(Key(record))].count != 0;
 }
 
+std::uint32_t DuplicateKeys::HolderOf(const TradeRecord& record) const {
+    return table_.empty() ? 0 : table_[PlaceOf(Key(record))].holder;
+}
+
 void DuplicateKeys::Enter(const TradeRecord& record) {
     if (2 * (used_ + 1) > table_.size()) Resize(std::max(kSmallest, 2 * table_.size()));
     const Key key(record);
     Entry& entry = table_[PlaceOf(key)];
     if (!entry.text) {
-        entry = {key.hash, KeepText(key.Text()), static_cast<std::uint32_t>(key.length), 0};
+        entry = {KeepText(key.Text()), key.hash, static_cast<std::uint32_t>(key.length)};
         ++used_;
     }
-    ++entry.count;
+    if (entry.count++ == 0) entry.holder = record.veltTradeID;
 }
 
 void DuplicateKeys::Remove(const TradeRecord& record) {
     if (table_.empty()) return;
     Entry& entry = table_[PlaceOf(Key(record))];
     if (entry.count != 0) --entry.count;
+    if (entry.count == 0 || entry.holder == record.veltTradeID) entry.holder = 0;
 }
 
 void DuplicateKeys::Clear() {

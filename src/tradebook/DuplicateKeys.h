@@ -24,6 +24,9 @@ class DuplicateKeys {
     static std::string KeyOf(const TradeRecord& record);
 
     bool Holds(const TradeRecord& record) const;
+    // VELTTradeID of the trade that entered the record's key first among those that hold it; 0: nobody holds
+    // it, or that trade went and others still do.
+    std::uint32_t HolderOf(const TradeRecord& record) const;
     void Enter(const TradeRecord& record);
     void Remove(const TradeRecord& record);
     void Clear();
@@ -33,10 +36,11 @@ class DuplicateKeys {
  private:
     struct Key;
     struct Entry {
-        std::uint64_t hash = 0;
         const char* text = nullptr;  // in blocks_; null: a free place
+        std::uint32_t hash = 0;
         std::uint32_t length = 0;
         std::uint32_t count = 0;
+        std::uint32_t holder = 0;
     };
 
     // The entry of the key or the free place where it would stand. The table has a free place.

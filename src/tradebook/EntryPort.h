@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -29,6 +30,7 @@ struct BookParts {
     BookFile* store;  // nullptr: another program owns the book's file, nothing can be saved
     IUiThread& ui;
     ILog& log;
+    std::function<void()> importEnded = {};  // another ImportSummary is to be shown
 };
 
 // User-interface thread throughout.
@@ -58,6 +60,10 @@ class IEntry {
     virtual void Delete(IDraftView& view) = 0;
     // The import dialog, modal to `owner`.
     virtual void Import(void* owner) = 0;
+    // What the last import since the book was opened came to, for the status line; empty: there was none.
+    virtual std::string ImportSummary() const = 0;
+    // The report about it, in a window of its own; nothing when there was none.
+    virtual void ShowImportReport(void* owner) = 0;
     // An import runs: the bar must neither hide nor close.
     virtual bool Busy() const = 0;
 };

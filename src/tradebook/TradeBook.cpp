@@ -126,6 +126,18 @@ void TradeBook::Leave(const TradeRecord& record) {
     if (record.side == side::Sell) totals_.sold -= record.quantity;
 }
 
+// Only when the first holder went and others stayed, all rows are looked through.
+std::uint32_t TradeBook::HolderOf(const TradeRecord& record) const {
+    const std::uint32_t holder = keys_.HolderOf(record);
+    if (holder != 0 || !keys_.Holds(record)) return holder;
+    const std::string key = DuplicateKeys::KeyOf(record);
+    for (const TradeStore::Slot slot : rows_) {
+        const TradeRecord& trade = store_[slot].record;
+        if (DuplicateKeys::KeyOf(trade) == key) return trade.veltTradeID;
+    }
+    return 0;
+}
+
 // Ranks have gaps where trades went, so the next one follows from the top row's and not from their number.
 void TradeBook::PushRow(TradeItem item) {
     const std::uint32_t rank = rows_.empty() ? 0 : ranks_[rows_.back()] + 1;
