@@ -24,18 +24,6 @@ std::string_view LineOf(std::string_view raw, std::uint64_t number) {
     return number == 1 ? WithoutByteOrderMark(raw) : raw;
 }
 
-// Shows the trades that come in while it lives together.
-class Batch {
- public:
-    explicit Batch(ITradeSink& book) : book_(book) { book_.BeginBatch(); }
-    ~Batch() { book_.EndBatch(); }
-    Batch(const Batch&) = delete;
-    Batch& operator=(const Batch&) = delete;
-
- private:
-    ITradeSink& book_;
-};
-
 }  // namespace
 
 CsvImport::CsvImport(const ImportPorts& ports, const ImportMapping& mapping)
@@ -107,19 +95,17 @@ bool CsvImport::NextLine(std::string_view& line) {
     return false;
 }
 
-void CsvImport::ReadLines(std::size_t maxLines) {
-    if (!ReadSomeLines(maxLines)) EndOfFile();
+void CsvImport::HoldBatch() {
+    if (!batch_) batch_.emplace(ports_.book);
 }
 
-// False: there are no more. The question at the end stands outside the batch, over a book that shows all.
-bool CsvImport::ReadSomeLines(std::size_t maxLines) {
-    const Batch batch(ports_.book);
+void CsvImport::ReadLines(std::size_t maxLines) {
+    HoldBatch();
     std::string_view line;
     for (std::size_t count = 0; count < maxLines; ++count) {
-        if (!NextLine(line)) return false;
+        if (!NextLine(line)) return EndOfFile();
         DealWith(line);
     }
-    return true;
 }
 
 void CsvImport::DealWith(std::string_view line) {
@@ -182,6 +168,7 @@ void CsvImport::CloseFile() {
 
 void CsvImport::EndOfFile() {
     CloseFile();
+    ShowTrades();  // the question stands over a book that shows all
     stage_ = held_.empty() ? Stage::Done : Stage::Accepting;
     if (held_.empty() || UserAccepts()) return;
     DropHeldLines(LineOutcome::Refused);
@@ -199,10 +186,11 @@ bool CsvImport::UserAccepts() {
 }
 
 void CsvImport::AcceptLines(std::size_t maxLines) {
-    const Batch batch(ports_.book);
+    HoldBatch();
     for (std::size_t count = 0; count < maxLines && accepted_ < held_.size(); ++count)
         Accept(held_[accepted_++]);
     if (accepted_ < held_.size()) return;
+    ShowTrades();
     ports_.manualClients.Save();
     stage_ = Stage::Done;
 }
@@ -221,6 +209,7 @@ void CsvImport::Accept(const HeldLine& held) {
 // The user cancelled: what is in the book stays there.
 void CsvImport::Stop() {
     counts_.cancelled = true;
+    ShowTrades();
     DropHeldLines(LineOutcome::HeldBack);
     if (accepted_ > 0) ports_.manualClients.Save();
     stage_ = stage_ == Stage::Reading ? Stage::Listing : Stage::Done;

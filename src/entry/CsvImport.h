@@ -6,6 +6,7 @@
 #include <functional>
 #include <map>
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -70,6 +71,9 @@ class CsvImport {
     // Deals with up to `maxLines` lines; at the end of the file asks about unknown clients, then deals with
     // their lines likewise. False: nothing is left to do.
     bool Step(std::size_t maxLines);
+    // The trades that came in are shown: at the latest before the question and at the end, else when this is
+    // called. Showing them costs as much as importing some thousand lines.
+    void ShowTrades() { batch_.reset(); }
     // What was imported stays. The next step drops the lines that are held back, without asking; further ones
     // only list the lines that were not read yet.
     void Cancel() { cancelWanted_ = true; }
@@ -86,6 +90,17 @@ class CsvImport {
     ImportProgress Progress() const;
 
  private:
+    // Shows the trades that come in while it lives together.
+    class Batch {
+     public:
+        explicit Batch(ITradeSink& book) : book_(book) { book_.BeginBatch(); }
+        ~Batch() { book_.EndBatch(); }
+        Batch(const Batch&) = delete;
+        Batch& operator=(const Batch&) = delete;
+
+     private:
+        ITradeSink& book_;
+    };
     enum class Stage : std::uint8_t { Idle, Reading, Accepting, Listing, Done };
     // Lines are kept as they stand in the file: a record is several times as long.
     struct HeldLine {
@@ -97,8 +112,8 @@ class CsvImport {
     bool Tell(std::string_view text, Icon icon);
     bool MatchFile();
     bool NextLine(std::string_view& line);
+    void HoldBatch();
     void ReadLines(std::size_t maxLines);
-    bool ReadSomeLines(std::size_t maxLines);
     void DealWith(std::string_view line);
     void HoldBack();
     void AcceptLines(std::size_t maxLines);
@@ -137,6 +152,7 @@ class CsvImport {
     Stage stage_ = Stage::Idle;
     bool cancelWanted_ = false;
     bool stepping_ = false;
+    std::optional<Batch> batch_;  // held over several steps
 };
 
 }  // namespace Dravel

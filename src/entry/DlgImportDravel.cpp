@@ -15,6 +15,7 @@ enum Control : int { kPath = 1001, kBrowse = 1002, kProgress = 1006, kState = 10
 constexpr UINT_PTR kSliceTimer = 1;
 constexpr ULONGLONG kSliceMilliseconds = 40;  // short enough for typing and painting in between
 constexpr std::size_t kSliceLines = 200;
+constexpr ULONGLONG kShowMilliseconds = 250;  // between two looks at how far it is
 constexpr ULONGLONG kLongRun = 2000;  // milliseconds, from which on the button says what it would cancel
 
 DialogTemplate Shape() {
@@ -69,6 +70,11 @@ DialogTemplate Shape() {
               .height = 14,
               .style = style::TabStop});
     return shape;
+}
+
+// Whether the thread has no message to deal with: then a timer's wait would be lost time.
+bool NobodyWaits() {
+    return HIWORD(GetQueueStatus(QS_ALLINPUT)) == 0;
 }
 
 // What is pasted from a file manager stands in quotes.
@@ -148,11 +154,20 @@ void DlgImportDravel::NextSlice() {
 }
 
 void DlgImportDravel::Slice() {
-    const ULONGLONG until = GetTickCount64() + kSliceMilliseconds;
     bool more = true;
-    while (more && GetTickCount64() < until)
-        more = import_->Step(kSliceLines);
-    ShowProgress();
+    ULONGLONG now = GetTickCount64();
+    do {
+        const ULONGLONG until = now + kSliceMilliseconds;
+        while (more && now < until) {
+            more = import_->Step(kSliceLines);
+            now = GetTickCount64();
+        }
+    } while (more && now - shown_ < kShowMilliseconds && NobodyWaits());
+    if (!more || now - shown_ >= kShowMilliseconds) {
+        shown_ = now;
+        import_->ShowTrades();
+        ShowProgress();
+    }
     if (more) {
         NextSlice();
         return;

@@ -38,5 +38,6 @@ class DlgImportDravel final : public Dravel::DialogBase {
     Dravel::ImportMapping mapping_;              // no format set: the file's first line names the fields
     std::unique_ptr<Dravel::CsvImport> import_;  // while one runs
     std::uint64_t started_ = 0;                  // milliseconds, of the system's clock
+    std::uint64_t shown_ = 0;                    // when the progress was shown last
     bool saysCancel_ = false;                    // the button names the run
 };

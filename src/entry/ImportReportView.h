@@ -4,7 +4,6 @@
 #include <memory>
 
 #include "entry/ImportReport.h"
-#include "platform/Files.h"
 
 namespace Dravel {
 
