@@ -4,6 +4,7 @@
 #include <commctrl.h>
 
 #include <algorithm>
+#include <fstream>
 #include <iterator>
 
 #include "Commands.h"
@@ -131,6 +132,24 @@ void ExpectStatus(Stage& stage, const Words& words) {
     StatusPart(stage, words[0]);
 }
 
+// What an import into an empty book says agrees: the status line, the book, the reports, and the lines saved.
+void ExpectImported(Stage& stage, const Words& words) {
+    const std::size_t part = StatusPart(stage, "* of " + words[0] + " imported, report");
+    const std::string said = ToUtf8(StatusTexts(stage)[part]), count = said.substr(0, said.find(' '));
+    StatusPart(stage, count + " trades");
+    const auto number = [](std::string text) {
+        std::erase(text, ',');
+        std::size_t value = 0;
+        if (!ParseNumber(text, value)) Fail("not a number: " + text);
+        return value;
+    };
+    FindCommand("count-frames")->run(stage, {"TradeReport", NumberText(number(count))});
+    std::ifstream saved(stage.File(words[1]), std::ios::binary);
+    const std::istreambuf_iterator<char> bytes(saved), end;
+    const auto lines = static_cast<std::size_t>(std::count(bytes, end, '\n'));
+    if (lines != number(words[0]) - number(count) + 1) Fail("the file has " + NumberText(lines) + " lines");
+}
+
 void ClickStatus(Stage& stage, const Words& words) {
     const std::size_t part = StatusPart(stage, words[0]);
     const HWND line = StatusLine();
@@ -150,6 +169,7 @@ constexpr CommandEntry kCommands[] = {
     {"expect-bar", "floating|left|top|right|bottom", 1, 1, ExpectBar},
     {"expect-status", "TEXT", 1, 1, ExpectStatus},
     {"click-status", "TEXT", 1, 1, ClickStatus},
+    {"expect-imported", "LINES FILE", 2, 2, ExpectImported},
 };
 
 }  // namespace

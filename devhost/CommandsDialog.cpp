@@ -102,6 +102,12 @@ void ExpectRow(Stage& stage, const Words& words) {
         "no such row");
 }
 
+void DumpList(Stage& stage, const Words& words) {
+    std::ofstream file(stage.File(words[1]), std::ios::binary);
+    for (const std::wstring& row : ListRows(Control(words[0])))
+        file << ToUtf8(row) << '\n';
+}
+
 void Check(Stage& stage, const Words& words) {
     const HWND box = Control(words[0]);
     if (words[1] != "on" && words[1] != "off") Fail("on or off");
@@ -179,6 +185,7 @@ constexpr CommandEntry kCommands[] = {
     {"expect-text", "CONTROL TEXT", 2, 2, ExpectText},
     {"select", "CONTROL TEXT", 2, 2, Select},
     {"expect-row", "CONTROL TEXT", 2, 2, ExpectRow},
+    {"dump-list", "CONTROL FILE", 2, 2, DumpList},
     {"check", "CONTROL on|off", 2, 2, Check},
     {"dump-dialog", "FILE", 1, 1, DumpDialog},
     {"close-dialog", "", 0, 0, CloseDialog},

@@ -25,7 +25,7 @@ constexpr GridCommand kGridCommands[] = {
     {"add", 40001},        {"delete", 40002},          {"save", 40003},        {"import", 40004},
     {"export", 40005},     {"copy-html", 40006},       {"filter", 40007},      {"fields", 40008},
     {"properties", 40009}, {"clear-selection", 40010}, {"save-layout", 40011}, {"multi-sort", 40012},
-    {"copy", 40013},
+    {"copy", 40013},       {"import-report", 40014},
 };
 constexpr WORD kCopy = 40013, kClearSelection = 40010;
 constexpr wchar_t kClipboardFormat[] = L"VELT_CLIPBOARD";

@@ -16,6 +16,7 @@ namespace {
 constexpr wchar_t kFrameClass[] = L"VELTSHostFrame", kDeskClass[] = L"VELTSHostDesk";
 constexpr UINT_PTR kRefreshTimer = 1;
 constexpr UINT kRefreshInterval = 100;
+constexpr UINT kRefreshShare = 20;  // the list may take one part of so many of the time
 constexpr int kContractsID = 11, kMessagesID = 12, kDetailsID = 13, kStatusID = 14;
 constexpr int kDetailsWidth = 300, kGap = 3;
 constexpr WORD kImportCommand = 40004;
@@ -284,6 +285,7 @@ void FrameWindow::Refresh() {
     const std::size_t size = terminal_.Log().Size();
     if (size == shown_) return;
     shown_ = size;
+    const ULONGLONG start = GetTickCount64();
     ListView_SetItemCountEx(messages_, static_cast<int>(size), LVSICF_NOSCROLL);
     if (follow_ && size) ListView_EnsureVisible(messages_, static_cast<int>(size) - 1, FALSE);
     const std::wstring text = Wide(NumberText(size) + " messages");
@@ -292,6 +294,10 @@ void FrameWindow::Refresh() {
     const int parts[] = {static_cast<int>(area.right) - 200, -1};
     SendMessageW(status_, SB_SETPARTS, 2, reinterpret_cast<LPARAM>(parts));
     SendMessageW(status_, SB_SETTEXTW, 1, reinterpret_cast<LPARAM>(text.c_str()));
+    // A flood of frames must not be held up by showing it.
+    UpdateWindow(messages_);
+    const auto took = static_cast<UINT>(GetTickCount64() - start);
+    SetTimer(window_, kRefreshTimer, std::max(kRefreshInterval, took * kRefreshShare), nullptr);
 }
 
 LRESULT FrameWindow::Notify(const NMHDR* header) {

@@ -17,10 +17,12 @@ TEST(BookStatusTest, CountsAreGroupedAndAFilterIsSeen) {
                                   .bought = 0,
                                   .sold = 0,
                                   .changed = false,
+                                  .import = "9 of 10 imported, report",
                                   .notice = "Dravel Save Successfully"});
     EXPECT_EQ(all[statuspart::Trades], "1 trade");
     EXPECT_EQ(all[statuspart::Selected], "0 selected");
     EXPECT_EQ(all[statuspart::Changed], "Saved");
+    EXPECT_EQ(all[statuspart::Import], "9 of 10 imported, report");
     EXPECT_EQ(all[statuspart::Notice], "Dravel Save Successfully");
     const auto some = StatusTexts({.shown = 999,
                                    .all = 1000000,
@@ -28,6 +30,7 @@ TEST(BookStatusTest, CountsAreGroupedAndAFilterIsSeen) {
                                    .bought = 100,
                                    .sold = 18446744073709551615u,
                                    .changed = true,
+                                   .import = {},
                                    .notice = {}});
     EXPECT_EQ(some[statuspart::Trades], "999 of 1,000,000 trades");
     EXPECT_EQ(some[statuspart::Selected], "12,345 selected");

@@ -137,10 +137,18 @@ TEST_F(ThreadsSaveTest, TheEndWaitsForARunningSave) {
     EXPECT_EQ(OnDisk(), 300u);
 }
 
+struct NoReports final : IImportReportView {
+    void Show(void*, std::shared_ptr<const ImportReport>) override {}
+    void Renew(std::shared_ptr<const ImportReport>) override {}
+    void Close() override {}
+    bool Asking() const override { return false; }
+};
+
 TEST_F(ThreadsSaveTest, AskingSavesOnYesOnlyAndAlwaysGoesOn) {
     parts.store = rig.file.get();
     ManualClients clients(rig.disk, host, "CSV");
-    Entry entry({host, user, rig.disk, rig.clock, clients, nullptr});
+    NoReports reports;
+    Entry entry({host, user, rig.disk, rig.clock, clients, nullptr, reports});
     entry.BookOpened(parts);
     Add(2);
     for (const std::uint32_t answer : {kAnswerCancel, kAnswerNo}) {

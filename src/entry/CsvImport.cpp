@@ -1,6 +1,10 @@
 // Runs an import, a slice at a time.
 #include "entry/CsvImport.h"
 
+#include <algorithm>
+#include <utility>
+
+#include "formatset/NumberText.h"
 #include "message/TagMessageWriter.h"
 #include "message/Tags.h"
 #include "records/RecordText.h"
@@ -13,17 +17,12 @@ constexpr std::string_view kTitle = "Dravel Import ";  // with its blank, delibe
 constexpr std::string_view kQuestionTitle = "Dravel Import";
 constexpr std::size_t kRunSlice = 4096;  // lines
 
-// Shows the trades that come in while it lives together.
-class Batch {
- public:
-    explicit Batch(ITradeSink& book) : book_(book) { book_.BeginBatch(); }
-    ~Batch() { book_.EndBatch(); }
-    Batch(const Batch&) = delete;
-    Batch& operator=(const Batch&) = delete;
-
- private:
-    ITradeSink& book_;
-};
+// A line as CsvLines gave it, from how it stands in the file.
+std::string_view LineOf(std::string_view raw, std::uint64_t number) {
+    if (raw.ends_with('\n')) raw.remove_suffix(1);
+    if (raw.ends_with('\r')) raw.remove_suffix(1);
+    return number == 1 ? WithoutByteOrderMark(raw) : raw;
+}
 
 }  // namespace
 
@@ -36,11 +35,13 @@ bool CsvImport::Tell(std::string_view text, Icon icon) {
 }
 
 bool CsvImport::Begin(const std::filesystem::path& path) {
-    if (!ports_.files.Open(path, FileMode::Read, FileShare::DenyNone, file_)) {
-        return Tell("File Not Found", Icon::Warning);
-    }
+    const bool opened =
+        static_cast<bool>(ports_.files.Open(path, FileMode::Read, FileShare::DenyNone, file_));
+    if (opened) lines_ = std::make_unique<CsvLines>(*file_);
+    // Some systems open a folder and only then refuse to read it.
+    if (!opened || !lines_->Readable()) return Tell("File Not Found", Icon::Warning);
     file_->Size(fileSize_);
-    lines_ = std::make_unique<CsvLines>(*file_);
+    report_ = std::make_unique<ImportReport>(path);
     if (!MatchFile()) return Tell("Please Select Proper File", Icon::Warning);
     hostClients_.AddClientsOf(ports_.host);
     stage_ = Stage::Reading;
@@ -53,7 +54,10 @@ bool CsvImport::MatchFile() {
         return true;
     }
     std::string_view firstLine;
-    if (lines_->Next(firstLine)) ++lineNumber_;
+    if (lines_->Next(firstLine)) {
+        ++lineNumber_;
+        report_->SetHeader(lines_->Raw());
+    }
     return plan_.UseHeader(firstLine);
 }
 
@@ -64,87 +68,116 @@ bool CsvImport::Step(std::size_t maxLines) {
         explicit Guard(bool& stepping) : flag(stepping) { flag = true; }
         ~Guard() { flag = false; }
     } guard(stepping_);
-    if (cancelWanted_ && stage_ != Stage::Done) DropHeldLines();
+    if (cancelWanted_ && (stage_ == Stage::Reading || stage_ == Stage::Accepting)) Stop();
     if (stage_ == Stage::Reading) {
         ReadLines(maxLines);
     } else if (stage_ == Stage::Accepting) {
         AcceptLines(maxLines);
+    } else if (stage_ == Stage::Listing) {
+        ListLines(maxLines);
     }
     return stage_ != Stage::Done && stage_ != Stage::Idle;
 }
 
-void CsvImport::ReadLines(std::size_t maxLines) {
-    if (!ReadSomeLines(maxLines)) EndOfFile();
+// False: there are no more. A file that is shorter than it was at the beginning was cut off, and so was the
+// line at its new end, if it has no end of its own: such a line is not believed.
+bool CsvImport::NextLine(std::string_view& line) {
+    const bool got = lines_->Next(line);
+    const bool cutOff = lines_->Position() < fileSize_ && (!got || !lines_->Raw().ends_with('\n'));
+    if (got && !cutOff) {
+        ++lineNumber_;
+        return true;
+    }
+    if (lines_->Failed() || cutOff) {
+        counts_.readFailed = true;
+        report_->Skipped(++lineNumber_, got ? lines_->Raw() : std::string_view(), LineOutcome::Unreadable);
+    }
+    return false;
 }
 
-// False: there are no more. The question at the end stands outside the batch, over a book that shows all.
-bool CsvImport::ReadSomeLines(std::size_t maxLines) {
-    const Batch batch(ports_.book);
+void CsvImport::HoldBatch() {
+    if (!batch_) batch_.emplace(ports_.book);
+}
+
+void CsvImport::ReadLines(std::size_t maxLines) {
+    HoldBatch();
     std::string_view line;
     for (std::size_t count = 0; count < maxLines; ++count) {
-        if (!lines_->Next(line)) return false;
-        ++lineNumber_;
+        if (!NextLine(line)) return EndOfFile();
         DealWith(line);
     }
-    return true;
 }
 
 void CsvImport::DealWith(std::string_view line) {
-    if (line.empty()) return;
-    ++counts_.lines;
-    if (!MakeRecord(line)) {
-        ++counts_.doubtfulDates;
-        Note(lineNumber_, ImportNoteKind::DoubtfulDate, TextOf(record_.expiryDate));
-    }
-    if (!contracts_.Resolve(record_)) ++counts_.unknownContracts;
-    if (SkippedAsDuplicate(lineNumber_)) return;
+    const std::string_view raw = lines_->Raw();
+    if (line.empty()) return report_->Skipped(lineNumber_, raw, LineOutcome::Empty);
+    MakeRecord(line, raw);
+    if ((doubts_.bits & doubt::NoContract) != 0) ++counts_.unknownContracts;
+    if (SkippedAsDuplicate(lineNumber_, raw)) return;
     const std::string_view client = TextOf(record_.clientID);
     if (plan_.ForcesClient() || hostClients_.Holds(client) || ports_.manualClients.Holds(client)) {
-        Enter();
+        Enter(lineNumber_, raw);
     } else {
-        HoldBack(line);
+        HoldBack();
     }
 }
 
-// False: its expiry date is doubtful.
-bool CsvImport::MakeRecord(std::string_view line) {
-    SplitCells(line, cells_, plan_.CellsNeeded());
-    return plan_.Fill(cells_, record_);
+// With its contract, when the terminal knows it.
+void CsvImport::MakeRecord(std::string_view line, std::string_view raw) {
+    const std::size_t needed = plan_.CellsNeeded();
+    SplitCells(line, cells_, needed);
+    doubts_ = plan_.Fill(cells_, record_);
+    if (const std::size_t inHeader = plan_.HeaderCells(); inHeader != 0) {
+        std::size_t count = std::max<std::size_t>(cells_.size(), 1);
+        if (cells_.size() == needed) {
+            const char* const rest = needed == 0 ? line.data() : cells_.back().data() + cells_.back().size();
+            count += static_cast<std::size_t>(std::count(rest, line.data() + line.size(), ','));
+        }
+        if (count != inHeader) doubts_.bits |= doubt::CellCount;
+    }
+    if (raw.find('"') != std::string_view::npos) doubts_.bits |= doubt::Quote;
+    if (!contracts_.Resolve(record_) && ports_.host.HasSecurityMaster()) doubts_.bits |= doubt::NoContract;
 }
 
-bool CsvImport::SkippedAsDuplicate(std::uint64_t number) {
+bool CsvImport::SkippedAsDuplicate(std::uint64_t number, std::string_view raw) {
     if (!ports_.book.Holds(record_)) return false;
     ++counts_.duplicates;
-    const std::string_view tradeID = TextOf(record_.exchangeTradeID);
-    ports_.user.Notice(std::string("Dravel Duplicate TRADEID :").append(tradeID));
-    Note(number, ImportNoteKind::Duplicate, tradeID);
+    ports_.user.Notice(std::string("Dravel Duplicate TRADEID :").append(TextOf(record_.exchangeTradeID)));
+    report_->Skipped(number, raw, LineOutcome::Duplicate, ports_.book.HolderOf(record_));
     return true;
 }
 
-void CsvImport::Enter() {
+void CsvImport::Enter(std::uint64_t number, std::string_view raw) {
     ports_.book.Add(record_);
-    ++counts_.imported;
+    report_->Imported(number, raw, doubts_);
 }
 
-void CsvImport::HoldBack(std::string_view line) {
+void CsvImport::HoldBack() {
     const std::string_view client = TextOf(record_.clientID);
     ++counts_.heldBack;
-    if (!unknownClients_.contains(client)) unknownClients_.emplace(client);
-    held_.push_back({lineNumber_, heldText_.size(), line.size()});
-    heldText_ += line;
+    auto known = unknownClients_.find(client);
+    if (known == unknownClients_.end())
+        known = unknownClients_.emplace(client, report_->AddClient(client)).first;
+    held_.push_back({lineNumber_, heldLines_.Keep(lines_->Raw()), known->second});
+}
+
+void CsvImport::CloseFile() {
+    lines_.reset();
+    file_.reset();
 }
 
 void CsvImport::EndOfFile() {
-    counts_.readFailed = lines_->Failed();
-    lines_.reset();
-    file_.reset();
+    CloseFile();
+    ShowTrades();  // the question stands over a book that shows all
     stage_ = held_.empty() ? Stage::Done : Stage::Accepting;
-    if (!held_.empty() && !UserAccepts()) DropHeldLines();
+    if (held_.empty() || UserAccepts()) return;
+    DropHeldLines(LineOutcome::Refused);
+    stage_ = Stage::Done;
 }
 
 bool CsvImport::UserAccepts() {
     std::string question = "ClientID Not Found : ";
-    for (const std::string& client : unknownClients_)
+    for (const auto& [client, number] : unknownClients_)
         question.append(client).append(", ");
     question.resize(question.rfind(','));
     question += ".\nAre you sure you want to add manual client & import dravels?";
@@ -153,45 +186,61 @@ bool CsvImport::UserAccepts() {
 }
 
 void CsvImport::AcceptLines(std::size_t maxLines) {
-    const Batch batch(ports_.book);
+    HoldBatch();
     for (std::size_t count = 0; count < maxLines && accepted_ < held_.size(); ++count)
         Accept(held_[accepted_++]);
     if (accepted_ < held_.size()) return;
+    ShowTrades();
     ports_.manualClients.Save();
     stage_ = Stage::Done;
 }
 
 void CsvImport::Accept(const HeldLine& held) {
-    MakeRecord(std::string_view(heldText_).substr(held.start, held.length));
-    contracts_.Resolve(record_);
+    MakeRecord(LineOf(held.raw, held.number), held.raw);
     // An earlier held-back line, or the terminal, may have brought the same trade meanwhile.
-    if (SkippedAsDuplicate(held.number)) return;
+    if (SkippedAsDuplicate(held.number, held.raw)) return;
     const std::string client(TextOf(record_.clientID));
     if (record_.userID[0] == '\0') SetText(record_.userID, client);
     if (record_.managerID[0] == '\0') SetText(record_.managerID, client);
-    Enter();
+    Enter(held.number, held.raw);
     ports_.manualClients.Add(client);
 }
 
-// Ends the run; the lines still held back are listed with the client that nobody knows.
-void CsvImport::DropHeldLines() {
-    counts_.cancelled = cancelWanted_;
-    counts_.dropped = held_.size() - accepted_;
-    for (std::size_t i = accepted_; i < held_.size() && notes_.size() < kMaxNotes; ++i) {
-        MakeRecord(std::string_view(heldText_).substr(held_[i].start, held_[i].length));
-        Note(held_[i].number, ImportNoteKind::UnknownClient, TextOf(record_.clientID));
-    }
+// The user cancelled: what is in the book stays there.
+void CsvImport::Stop() {
+    counts_.cancelled = true;
+    ShowTrades();
+    DropHeldLines(LineOutcome::HeldBack);
     if (accepted_ > 0) ports_.manualClients.Save();
-    lines_.reset();
-    file_.reset();
-    stage_ = Stage::Done;
+    stage_ = stage_ == Stage::Reading ? Stage::Listing : Stage::Done;
+}
+
+void CsvImport::DropHeldLines(LineOutcome outcome) {
+    counts_.dropped = held_.size() - accepted_;
+    for (std::size_t i = accepted_; i < held_.size(); ++i)
+        report_->Skipped(held_[i].number, held_[i].raw, outcome, held_[i].client);
+    held_.resize(accepted_);
+    heldLines_ = {};
+}
+
+void CsvImport::ListLines(std::size_t maxLines) {
+    std::string_view line;
+    for (std::size_t count = 0; count < maxLines; ++count) {
+        if (!NextLine(line)) {
+            CloseFile();
+            stage_ = Stage::Done;
+            return;
+        }
+        report_->Skipped(lineNumber_, lines_->Raw(), LineOutcome::NotRead);
+    }
 }
 
 bool CsvImport::Finish() {
     if (stage_ == Stage::Idle) return false;
     if (stage_ != Stage::Done) {
         Cancel();
-        Step(0);
+        while (!stepping_ && Step(kRunSlice)) {
+        }
     }
     if (ports_.host.Listens()) {
         CTagMessageWriter frame(msg::ImportFinished);
@@ -199,7 +248,9 @@ bool CsvImport::Finish() {
         ports_.host.Send(frame);
     }
     stage_ = Stage::Idle;
-    const bool imported = counts_.imported > 0;
+    report_->Close();
+    const bool imported = report_->LinesImported() > 0;
+    if (ports_.reportTo) ports_.reportTo(std::move(report_));
     if (imported && !counts_.cancelled) Tell("File Imported Successfully", Icon::Information);
     return imported;
 }
@@ -213,12 +264,17 @@ bool CsvImport::Run(const std::filesystem::path& path, const std::function<void(
 }
 
 ImportProgress CsvImport::Progress() const {
-    const bool reading = lines_ != nullptr;
-    return {reading ? lines_->Position() : fileSize_, fileSize_, counts_.lines};
+    const std::uint64_t bytes = lines_ ? std::min(lines_->Position(), fileSize_) : fileSize_;
+    return {bytes, fileSize_, lineNumber_ - (hasHeader_ && lineNumber_ > 0 ? 1 : 0)};
 }
 
-void CsvImport::Note(std::uint64_t line, ImportNoteKind kind, std::string_view text) {
-    if (notes_.size() < kMaxNotes) notes_.push_back({line, kind, std::string(text)});
+std::string ProgressText(const ImportProgress& progress) {
+    const auto megabytes = [](std::uint64_t bytes) {
+        const std::uint64_t tenths = (bytes * 10 + 524288) / 1048576;
+        return GroupedText(tenths / 10) + "." + std::to_string(tenths % 10);
+    };
+    return GroupedText(progress.lines) + (progress.lines == 1 ? " line, " : " lines, ") +
+           megabytes(progress.bytes) + " of " + megabytes(progress.bytesOfAll) + " MB";
 }
 
 }  // namespace Dravel

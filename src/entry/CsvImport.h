@@ -4,8 +4,9 @@
 #include <cstdint>
 #include <filesystem>
 #include <functional>
+#include <map>
 #include <memory>
-#include <set>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -13,6 +14,8 @@
 #include "entry/ClientList.h"
 #include "entry/ContractCache.h"
 #include "entry/ImportPlan.h"
+#include "entry/ImportReport.h"
+#include "entry/LineArena.h"
 #include "entry/ManualClients.h"
 #include "formatset/CsvLine.h"
 #include "formatset/ImportMapping.h"
@@ -32,28 +35,18 @@ struct ImportPorts {
     const IClock& clock;
     ITradeSink& book;
     ManualClients& manualClients;
+    // Takes the report at the end of a run; empty: nobody wants it.
+    std::function<void(std::unique_ptr<ImportReport>)> reportTo = {};
 };
 
 struct ImportCounts {
-    std::uint64_t lines = 0;       // data lines with cells
-    std::uint64_t imported = 0;    // trades that entered the book
     std::uint64_t duplicates = 0;  // skipped, held-back ones included
     std::uint64_t heldBack = 0;    // lines of unknown clients
     std::uint64_t dropped = 0;     // of those: not imported, because the user said no or cancelled
-    std::uint64_t doubtfulDates = 0;
     std::uint64_t unknownContracts = 0;
     bool asked = false;  // the question about unknown clients was put
     bool cancelled = false;
-    bool readFailed = false;  // the file ended where it could not be read on
-};
-
-enum class ImportNoteKind : std::uint8_t { Duplicate, UnknownClient, DoubtfulDate };
-
-// One line that the import report lists.
-struct ImportNote {
-    std::uint64_t line;  // 1 is the file's first line
-    ImportNoteKind kind;
-    std::string text;  // the exchange trade id, the client, the date as it stands in the file
+    bool readFailed = false;  // the file ended where it could not be read on, or was cut off meanwhile
 };
 
 struct ImportProgress {
@@ -61,6 +54,8 @@ struct ImportProgress {
     std::uint64_t bytesOfAll = 0;
     std::uint64_t lines = 0;
 };
+// "12,345 lines, 3.4 of 10.2 MB"
+std::string ProgressText(const ImportProgress& progress);
 
 // One run: Begin, Step until it returns false, Finish. On the user-interface thread; between the steps the
 // caller lets the windows live, and the book may take other trades. A step that is called from within a step
@@ -76,44 +71,62 @@ class CsvImport {
     // Deals with up to `maxLines` lines; at the end of the file asks about unknown clients, then deals with
     // their lines likewise. False: nothing is left to do.
     bool Step(std::size_t maxLines);
-    // The next step drops the lines that are held back, without asking, and ends the run.
+    // The trades that came in are shown: at the latest before the question and at the end, else when this is
+    // called. Showing them costs as much as importing some thousand lines.
+    void ShowTrades() { batch_.reset(); }
+    // What was imported stays. The next step drops the lines that are held back, without asking; further ones
+    // only list the lines that were not read yet.
     void Cancel() { cancelWanted_ = true; }
-    // Tells the terminal that the import is over, and, unless it was cancelled, the user. True: at least one
-    // trade entered the book.
+    // Tells the terminal that the import is over, hands the report on, and, unless the run was cancelled,
+    // tells the user. True: at least one trade entered the book.
     bool Finish();
 
     // All of it in one go; `between` is called between the steps.
     bool Run(const std::filesystem::path& path, const std::function<void()>& between = {});
 
     const ImportCounts& Counts() const { return counts_; }
-    // The first kMaxNotes of them; the counts are of all.
-    static constexpr std::size_t kMaxNotes = 10000;
-    const std::vector<ImportNote>& Notes() const { return notes_; }
+    // Until Finish has handed it on.
+    const ImportReport& Report() const { return *report_; }
     ImportProgress Progress() const;
 
  private:
-    enum class Stage : std::uint8_t { Idle, Reading, Accepting, Done };
+    // Shows the trades that come in while it lives together.
+    class Batch {
+     public:
+        explicit Batch(ITradeSink& book) : book_(book) { book_.BeginBatch(); }
+        ~Batch() { book_.EndBatch(); }
+        Batch(const Batch&) = delete;
+        Batch& operator=(const Batch&) = delete;
+
+     private:
+        ITradeSink& book_;
+    };
+    enum class Stage : std::uint8_t { Idle, Reading, Accepting, Listing, Done };
     // Lines are kept as they stand in the file: a record is several times as long.
     struct HeldLine {
         std::uint64_t number;
-        std::size_t start, length;
+        std::string_view raw;  // in heldLines_
+        std::uint32_t client;  // in the report
     };
 
     bool Tell(std::string_view text, Icon icon);
     bool MatchFile();
+    bool NextLine(std::string_view& line);
+    void HoldBatch();
     void ReadLines(std::size_t maxLines);
-    bool ReadSomeLines(std::size_t maxLines);
     void DealWith(std::string_view line);
-    void HoldBack(std::string_view line);
+    void HoldBack();
     void AcceptLines(std::size_t maxLines);
     void Accept(const HeldLine& held);
-    bool MakeRecord(std::string_view line);
-    bool SkippedAsDuplicate(std::uint64_t number);
-    void Enter();
+    void ListLines(std::size_t maxLines);
+    void MakeRecord(std::string_view line, std::string_view raw);
+    bool SkippedAsDuplicate(std::uint64_t number, std::string_view raw);
+    void Enter(std::uint64_t number, std::string_view raw);
     void EndOfFile();
+    void CloseFile();
     bool UserAccepts();
-    void DropHeldLines();
-    void Note(std::uint64_t line, ImportNoteKind kind, std::string_view text);
+    void Stop();
+    void DropHeldLines(LineOutcome outcome);
 
     ImportPorts ports_;
     ImportPlan plan_;
@@ -127,17 +140,19 @@ class CsvImport {
     std::uint64_t lineNumber_ = 0;
     std::vector<std::string_view> cells_;
     TradeRecord record_{};  // the line's trade
+    Doubts doubts_;         // about it
 
-    std::string heldText_;
+    LineArena heldLines_;
     std::vector<HeldLine> held_;
     std::size_t accepted_ = 0;
-    std::set<std::string, std::less<>> unknownClients_;
+    std::map<std::string, std::uint32_t, std::less<>> unknownClients_;  // to their numbers in the report
 
     ImportCounts counts_;
-    std::vector<ImportNote> notes_;
+    std::unique_ptr<ImportReport> report_;
     Stage stage_ = Stage::Idle;
     bool cancelWanted_ = false;
     bool stepping_ = false;
+    std::optional<Batch> batch_;  // held over several steps
 };
 
 }  // namespace Dravel

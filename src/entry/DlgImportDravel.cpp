@@ -2,7 +2,6 @@
 
 #include <windows.h>
 
-#include <charconv>
 #include <string>
 #include <system_error>
 
@@ -30,6 +29,8 @@ enum Control : int {
 constexpr UINT_PTR kSliceTimer = 1;
 constexpr ULONGLONG kSliceMilliseconds = 40;  // short enough for typing and painting in between
 constexpr std::size_t kSliceLines = 200;
+constexpr ULONGLONG kShowMilliseconds = 250;  // between two looks at how far it is
+constexpr ULONGLONG kLongRun = 2000;  // milliseconds, from which on the button says what it would cancel
 
 constexpr wchar_t kNoSet[] = L"(none)";
 constexpr char kSettingsKey[] = "Import", kLastSet[] = "LastSet", kLastFolder[] = "LastFolder";
@@ -64,6 +65,11 @@ DialogTemplate Shape() {
     for (const DialogItem& item : items)
         shape.Add(item);
     return shape;
+}
+
+// Whether the thread has no message to deal with: then a timer's wait would be lost time.
+bool NobodyWaits() {
+    return HIWORD(GetQueueStatus(QS_ALLINPUT)) == 0;
 }
 
 }  // namespace
@@ -219,6 +225,7 @@ void DlgImportDravel::OnOk() {
     }
     Remember(path);
     EnableControls(false);
+    started_ = GetTickCount64();
     NextSlice();
 }
 
@@ -246,16 +253,25 @@ void DlgImportDravel::NextSlice() {
 }
 
 void DlgImportDravel::Slice() {
-    const ULONGLONG until = GetTickCount64() + kSliceMilliseconds;
     bool more = true;
-    while (more && GetTickCount64() < until)
-        more = import_->Step(kSliceLines);
-    ShowProgress();
+    ULONGLONG now = GetTickCount64();
+    do {
+        const ULONGLONG until = now + kSliceMilliseconds;
+        while (more && now < until) {
+            more = import_->Step(kSliceLines);
+            now = GetTickCount64();
+        }
+    } while (more && now - shown_ < kShowMilliseconds && NobodyWaits());
+    if (!more || now - shown_ >= kShowMilliseconds) {
+        shown_ = now;
+        import_->ShowTrades();
+        ShowProgress();
+    }
     if (more) {
         NextSlice();
         return;
     }
-    const bool imported = import_->Finish();
+    const bool imported = import_->Finish() && !import_->Counts().cancelled;
     import_.reset();
     if (imported) {
         End(kDialogOk);
@@ -268,16 +284,21 @@ void DlgImportDravel::ShowProgress() {
     const ImportProgress progress = import_->Progress();
     if (progress.bytesOfAll != 0)
         SetProgress(kProgress, static_cast<int>(progress.bytes * 1000 / progress.bytesOfAll));
-    char digits[24];
-    const auto end = std::to_chars(digits, digits + sizeof(digits), progress.lines);
-    SetAnsiText(kState, std::string(digits, end.ptr) + " lines read");
+    SetAnsiText(kState, ProgressText(progress));
+    if (!saysCancel_ && GetTickCount64() - started_ >= kLongRun) {
+        saysCancel_ = true;
+        SetText(kDialogCancel, L"Cancel Import");
+    }
 }
 
 void DlgImportDravel::EnableControls(bool idle) {
+    if (!idle) FocusItem(kDialogCancel);  // a disabled control would swallow the keys
     for (const int id : {static_cast<int>(kPath), static_cast<int>(kBrowse), static_cast<int>(kFileName),
                          static_cast<int>(kEditSets), static_cast<int>(kSet), kDialogOk})
         Enable(id, idle);
     if (!idle) return;
+    saysCancel_ = false;
+    SetText(kDialogCancel, L"Cancel");
     SetProgress(kProgress, 0);
     SetAnsiText(kState, "");
     FocusItem(kPath);

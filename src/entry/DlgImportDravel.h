@@ -19,7 +19,7 @@ void ShowImportDialog(void* owner, const ImportPorts& ports, const BarContext& b
 }  // namespace Dravel
 
 // The import runs in slices between the dialog's messages, so windows paint and answer all the while; the
-// dialog stays open as long as it runs, and Cancel then ends the import and not the dialog.
+// dialog stays open as long as it runs. Cancel then ends the import and not the dialog.
 class DlgImportDravel final : public Dravel::DialogBase {
  public:
     DlgImportDravel(const Dravel::ImportPorts& ports, const Dravel::BarContext& bar);
@@ -56,4 +56,7 @@ class DlgImportDravel final : public Dravel::DialogBase {
     std::wstring suggestedFor_;                  // the path for which a set was looked for last
     bool byHand_ = false;                        // the user chose from the list
     std::unique_ptr<Dravel::CsvImport> import_;  // while one runs
+    std::uint64_t started_ = 0;                  // milliseconds, of the system's clock
+    std::uint64_t shown_ = 0;                    // when the progress was shown last
+    bool saysCancel_ = false;                    // the button names the run
 };

@@ -1,5 +1,7 @@
 #include "entry/Entry.h"
 
+#include <utility>
+
 #include "tradebook/TradeBook.h"
 
 namespace Dravel {
@@ -12,6 +14,8 @@ void Entry::BookOpened(const BookParts& parts) {
 }
 
 void Entry::BookClosed() {
+    context_.reportView.Close();
+    report_.reset();
     typing_.reset();
     saver_.reset();
     parts_.reset();
@@ -58,9 +62,21 @@ void Entry::Import(void* owner, const std::filesystem::path& file) {
     if (!parts_ || !parts_->bar || importing_) return;
     importing_ = true;
     context_.importDialog(
-        owner, {context_.files, context_.host, context_.user, context_.clock, parts_->book, context_.clients},
+        owner,
+        {context_.files, context_.host, context_.user, context_.clock, parts_->book, context_.clients,
+         [this](std::unique_ptr<ImportReport> report) { TakeReport(std::move(report)); }},
         *parts_->bar, file);
     importing_ = false;
+}
+
+void Entry::TakeReport(std::unique_ptr<ImportReport> report) {
+    report_ = std::move(report);
+    context_.reportView.Renew(report_);
+    if (parts_ && parts_->importEnded) parts_->importEnded();
+}
+
+void Entry::ShowImportReport(void* owner) {
+    if (report_) context_.reportView.Show(owner, report_);
 }
 
 }  // namespace Dravel

@@ -5,6 +5,7 @@
 #include <optional>
 
 #include "entry/CsvImport.h"
+#include "entry/ImportReportView.h"
 #include "entry/ManualClients.h"
 #include "entry/TradeEntry.h"
 #include "entry/TradeSaver.h"
@@ -26,6 +27,7 @@ struct EntryContext {
     // ShowImportDialog, but in tests.
     void (*importDialog)(void* owner, const ImportPorts& ports, const BarContext& bar,
                          const std::filesystem::path& file);
+    IImportReportView& reportView;
 };
 
 // User-interface thread. Between BookClosed and the next BookOpened every request does nothing.
@@ -45,14 +47,19 @@ class Entry final : public IEntry {
     int NextColumn(const TradeDraft& draft, int column) const override;
     std::string Missing(const TradeDraft& draft) const override;
     void Delete(IDraftView& view) override;
-    bool Busy() const override { return importing_; }
+    std::string ImportSummary() const override { return report_ ? report_->Summary() : std::string(); }
+    void ShowImportReport(void* owner) override;
+    bool Busy() const override { return importing_ || context_.reportView.Asking(); }
 
  private:
+    void TakeReport(std::unique_ptr<ImportReport> report);
+
     EntryContext context_;
     std::optional<BookParts> parts_;
     std::unique_ptr<TradeSaver> saver_;
     std::unique_ptr<TradeEntry> typing_;
-    bool importing_ = false;  // the import dialog is open
+    std::shared_ptr<const ImportReport> report_;  // of the last import
+    bool importing_ = false;                      // the import dialog is open
 };
 
 }  // namespace Dravel

@@ -22,6 +22,20 @@ constexpr bool IsRead(std::size_t index) {
 
 constexpr std::size_t kExpiriesRemembered = 4096;
 
+bool (*ReaderOf(CellType type))(std::string_view) {
+    if (type == CellType::Integer) return IsUnsigned;
+    return type == CellType::Double ? IsDouble : nullptr;
+}
+
+void AddDoubt(Doubts& doubts, std::uint8_t column) {
+    if (column == column::ExpiryDate) {
+        doubts.bits |= doubt::ExpiryDate;
+        return;
+    }
+    if ((doubts.bits & doubt::Number) == 0 || column < doubts.column) doubts.column = column;
+    doubts.bits |= doubt::Number;
+}
+
 }  // namespace
 
 ImportPlan::ImportPlan(const ImportMapping& mapping, const IClock& clock)
@@ -66,37 +80,37 @@ void ImportPlan::Prepare(const std::array<std::int32_t, kMappedColumns>& cells) 
     for (std::size_t index = 0; index < kMappedColumns; ++index) {
         if (!IsRead(index)) continue;
         const MappedColumn& mapped = mapping_.columns[index];
-        const bool expiry = index == column::ExpiryDate;
         const std::string& fallback = mapped.starred.empty() ? mapped.plainDefault : mapped.starred;
-        if (!fallback.empty()) {
-            const std::string_view text = Trimmed(fallback);
-            if (expiry) {
-                defaultsSound_ = PutExpiry(defaults_, text);
-            } else {
-                kTradeColumns[index].put(defaults_, text);
-            }
+        Field field{0, kTradeColumns[index].put, ReaderOf(kTradeColumns[index].type),
+                    static_cast<std::uint8_t>(index), false};
+        if (!fallback.empty()) field.doubtfulDefault = !PutText(field, defaults_, Trimmed(fallback));
+        if (mapped.starred.empty() && cells[index] >= 0) {
+            field.cell = static_cast<std::size_t>(cells[index]);
+            fields_.push_back(field);
+            cellsNeeded_ = std::max(cellsNeeded_, field.cell + 1);
+        } else if (field.doubtfulDefault) {
+            AddDoubt(defaultDoubts_, field.column);
         }
-        if (!mapped.starred.empty() || cells[index] < 0) continue;
-        const auto cell = static_cast<std::size_t>(cells[index]);
-        fields_.push_back({cell, kTradeColumns[index].put, expiry});
-        cellsNeeded_ = std::max(cellsNeeded_, cell + 1);
     }
 }
 
-bool ImportPlan::Fill(const std::vector<std::string_view>& cells, TradeRecord& record) {
+Doubts ImportPlan::Fill(const std::vector<std::string_view>& cells, TradeRecord& record) {
     record = defaults_;
-    bool sound = defaultsSound_;
+    Doubts doubts = defaultDoubts_;
     for (const Field& field : fields_) {
-        if (field.cell >= cells.size()) continue;
-        const std::string_view text = Trimmed(cells[field.cell]);
-        if (text.empty()) continue;
-        if (field.expiry) {
-            sound = PutExpiry(record, text);
-        } else {
-            field.put(record, text);
-        }
+        const std::string_view text =
+            field.cell < cells.size() ? Trimmed(cells[field.cell]) : std::string_view();
+        const bool sound = text.empty() ? !field.doubtfulDefault : PutText(field, record, text);
+        if (!sound) AddDoubt(doubts, field.column);
     }
-    return sound;
+    return doubts;
+}
+
+// False: the text is doubtful.
+bool ImportPlan::PutText(const Field& field, TradeRecord& record, std::string_view text) {
+    if (field.column == column::ExpiryDate) return PutExpiry(record, text);
+    field.put(record, text);
+    return field.reads == nullptr || field.reads(text);
 }
 
 // A file has few expiries and many lines: each is converted once.

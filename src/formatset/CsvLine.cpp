@@ -45,6 +45,10 @@ void SplitCells(std::string_view line, std::vector<std::string_view>& cells, std
 CsvLines::CsvLines(IFile& file, std::size_t blockSize)
     : file_(file), block_(blockSize < 16 ? 16 : blockSize) {}
 
+bool CsvLines::Readable() {
+    return last_ != 0 || Fill() || !failed_;
+}
+
 bool CsvLines::Next(std::string_view& line) {
     for (;;) {
         const void* found =
@@ -65,6 +69,7 @@ bool CsvLines::Next(std::string_view& line) {
 // The line up to `end`; the following one starts at `next`.
 void CsvLines::Take(std::size_t end, std::size_t next, std::string_view& line) {
     line = {block_.data() + first_, end - first_};
+    raw_ = {block_.data() + first_, next - first_};
     if (line.ends_with('\r')) line.remove_suffix(1);
     if (position_ == 0) line = WithoutByteOrderMark(line);
     position_ += next - first_;

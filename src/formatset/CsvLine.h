@@ -27,10 +27,14 @@ class CsvLines {
     // Borrows the file, which is read from where it stands.
     explicit CsvLines(IFile& file, std::size_t blockSize = 256 * 1024);
 
+    // Whether the beginning of the file can be read.
+    bool Readable();
     // The next line without its end (LF, or CR LF; a CR at the very end of the file counts as a cut line
     // end). A byte-order mark in front of the first line is stepped over. Valid until the next call. False:
     // none is left, or the file could not be read on (see Failed).
     bool Next(std::string_view& line);
+    // The line of the last Next as it stands in the file, with its end and the byte-order mark.
+    std::string_view Raw() const { return raw_; }
     bool Failed() const { return failed_; }
     // Bytes that the lines so far took up.
     std::uint64_t Position() const { return position_; }
@@ -45,6 +49,7 @@ class CsvLines {
     std::size_t scanned_ = 0;  // no line end in front of it
     std::size_t last_ = 0;     // end of the bytes read
     std::uint64_t position_ = 0;
+    std::string_view raw_;
     bool atEnd_ = false;
     bool failed_ = false;
 };

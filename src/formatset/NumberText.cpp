@@ -67,6 +67,25 @@ double ReadDouble(std::string_view text) {
     return minus ? -value : value;
 }
 
+bool IsUnsigned(std::string_view text) {
+    text = SkipBlanks(text);
+    if (TakeSign(text) || text.empty() || !IsDigit(text.front())) return false;
+    std::uint32_t value = 0;
+    const char* const end = text.data() + text.size();
+    const auto read = std::from_chars(text.data(), end, value);
+    return read.ec == std::errc() && read.ptr == end;
+}
+
+bool IsDouble(std::string_view text) {
+    text = SkipBlanks(text);
+    TakeSign(text);
+    if (text.empty() || (!IsDigit(text.front()) && text.front() != '.')) return false;
+    double value = 0;
+    const char* const end = text.data() + text.size();
+    const auto read = std::from_chars(text.data(), end, value);
+    return read.ec == std::errc() && read.ptr == end;
+}
+
 std::string_view ShortestText(double value, NumberBuffer& buffer) {
     const double size = std::fabs(value);
     if (size == 0 || (size >= 1e-7 && size < 1e17)) return ToText(buffer, value, std::chars_format::fixed);
@@ -104,6 +123,17 @@ std::string_view UnsignedText(std::uint64_t value, NumberBuffer& buffer) {
 
 std::string_view IntegerText(std::int64_t value, NumberBuffer& buffer) {
     return ToText(buffer, value);
+}
+
+std::string GroupedText(std::uint64_t value) {
+    NumberBuffer buffer;
+    const std::string_view digits = UnsignedText(value, buffer);
+    std::string text;
+    for (std::size_t at = 0; at < digits.size(); ++at) {
+        if (at != 0 && (digits.size() - at) % 3 == 0) text += ',';
+        text += digits[at];
+    }
+    return text;
 }
 
 }  // namespace Dravel

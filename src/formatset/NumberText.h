@@ -20,6 +20,10 @@ std::int32_t ReadInteger(std::string_view text);
 // cannot hold is 0.
 double ReadDouble(std::string_view text);
 
+// Whether the whole text is a number that its reader above takes, but for blanks in front.
+bool IsUnsigned(std::string_view text);
+bool IsDouble(std::string_view text);
+
 // Room for the text of any number.
 struct NumberBuffer {
     char text[352];
@@ -34,6 +38,9 @@ std::string_view SixDecimals(double value, NumberBuffer& buffer);
 char* WriteSixDecimals(double value, char* at);
 std::string_view UnsignedText(std::uint64_t value, NumberBuffer& buffer);
 std::string_view IntegerText(std::int64_t value, NumberBuffer& buffer);
+
+// With a comma at each thousand, in every locale.
+std::string GroupedText(std::uint64_t value);
 
 inline void AppendShortest(std::string& text, double value) {
     NumberBuffer buffer;

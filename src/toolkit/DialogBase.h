@@ -1,4 +1,4 @@
-// Base of the plug-in's dialogs: a real modal Win32 dialog made from a template in memory.
+// Base of the plug-in's dialogs: a real Win32 dialog made from a template in memory.
 #pragma once
 
 #include <cstdint>
@@ -20,6 +20,10 @@ class DialogBase {
 
     // Shows the dialog until End() is called; returns its result, -1 when the dialog could not be made.
     std::intptr_t DoModal(void* owner, const DialogTemplate& shape);
+    // Shows it beside the other windows, above `owner`'s frame, until End() is called or the frame goes; the
+    // object must live as long. Tab, Enter, Escape and mnemonics work although the terminal's message loop
+    // knows nothing of the dialog. False: it could not be made.
+    bool ShowModeless(void* owner, const DialogTemplate& shape);
     void* Window() const { return window_; }
 
     // The window procedure's entry; not for callers.
@@ -63,6 +67,7 @@ class DialogBase {
  private:
     void* window_ = nullptr;
     void* owner_ = nullptr;
+    bool modeless_ = false;
 };
 
 // The class name of the progress bar, for DialogItem.

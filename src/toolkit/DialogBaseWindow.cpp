@@ -35,6 +35,37 @@ INT_PTR CALLBACK Procedure(HWND window, UINT message, WPARAM wparam, LPARAM lpar
     return FALSE;
 }
 
+void LoadControls() {
+    const INITCOMMONCONTROLSEX controls{sizeof controls,
+                                        ICC_STANDARD_CLASSES | ICC_PROGRESS_CLASS | ICC_LISTVIEW_CLASSES};
+    InitCommonControlsEx(&controls);
+}
+
+bool IsDialogKey(WPARAM key) {
+    return key == VK_TAB || key == VK_ESCAPE || key == VK_RETURN;
+}
+
+// A child of a modeless dialog: hands the keys of the dialog to it, which a modal dialog's own message loop
+// would do. IsDialogMessage sends on only what it does not take, and it takes all of these.
+LRESULT CALLBACK DialogKeys(HWND control, UINT message, WPARAM wparam, LPARAM lparam, UINT_PTR id,
+                            DWORD_PTR) noexcept {
+    const bool pressed = message == WM_KEYDOWN && IsDialogKey(wparam);
+    if (pressed || (message == WM_SYSCHAR && wparam != VK_SPACE)) {
+        MSG key{};
+        key.hwnd = control;
+        key.message = message;
+        key.wParam = wparam;
+        key.lParam = lparam;
+        RemoveWindowSubclass(control, &DialogKeys, id);  // what comes back is the control's
+        const BOOL taken = IsDialogMessageW(GetParent(control), &key);
+        if (IsWindow(control)) SetWindowSubclass(control, &DialogKeys, id, 0);
+        if (taken) return 0;
+    }
+    if (message == WM_CHAR && IsDialogKey(wparam)) return 0;
+    if (message == WM_NCDESTROY) RemoveWindowSubclass(control, &DialogKeys, id);
+    return DefSubclassProc(control, message, wparam, lparam);
+}
+
 // In the middle of its owner, but wholly on the owner's screen.
 void Centre(HWND window, HWND owner) {
     MONITORINFO screen{};
@@ -56,13 +87,27 @@ DialogBase::~DialogBase() = default;
 
 std::intptr_t DialogBase::DoModal(void* owner, const DialogTemplate& shape) {
     const ActivationScope scope;
-    const INITCOMMONCONTROLSEX controls{sizeof controls,
-                                        ICC_STANDARD_CLASSES | ICC_PROGRESS_CLASS | ICC_LISTVIEW_CLASSES};
-    InitCommonControlsEx(&controls);
+    LoadControls();
+    modeless_ = false;
     owner_ = owner == nullptr ? nullptr : GetAncestor(Handle(owner), GA_ROOT);
     return DialogBoxIndirectParamW(static_cast<HINSTANCE>(Module()),
                                    static_cast<LPCDLGTEMPLATEW>(shape.Data()), Handle(owner_), &Procedure,
                                    reinterpret_cast<LPARAM>(this));
+}
+
+bool DialogBase::ShowModeless(void* owner, const DialogTemplate& shape) {
+    const ActivationScope scope;
+    LoadControls();
+    owner_ = owner == nullptr ? nullptr : GetAncestor(Handle(owner), GA_ROOTOWNER);
+    modeless_ = true;
+    const HWND window = CreateDialogIndirectParamW(static_cast<HINSTANCE>(Module()),
+                                                   static_cast<LPCDLGTEMPLATEW>(shape.Data()), Handle(owner_),
+                                                   &Procedure, reinterpret_cast<LPARAM>(this));
+    if (window == nullptr) return false;
+    for (HWND child = GetWindow(window, GW_CHILD); child != nullptr; child = GetWindow(child, GW_HWNDNEXT))
+        SetWindowSubclass(child, &DialogKeys, 0, 0);
+    ShowWindow(window, SW_SHOW);
+    return true;
 }
 
 std::intptr_t DialogBase::HandleDialog(void* window, std::uint32_t message, std::uintptr_t wparam,
@@ -107,7 +152,12 @@ std::intptr_t DialogBase::HandleDialog(void* window, std::uint32_t message, std:
 }
 
 void DialogBase::End(std::intptr_t result) {
-    if (window_ != nullptr) EndDialog(Handle(window_), result);
+    if (window_ == nullptr) return;
+    if (modeless_) {
+        DestroyWindow(Handle(window_));
+    } else {
+        EndDialog(Handle(window_), result);
+    }
 }
 
 void* DialogBase::Item(int id) const {

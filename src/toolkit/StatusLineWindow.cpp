@@ -103,7 +103,7 @@ void StatusLine::LayOut() {
     std::vector<int> rights;
     int right = 0;
     for (const int width : widths_)
-        rights.push_back(right += width + 2 * Scale(kBeside, DpiOf(window_)));
+        rights.push_back(right += width == 0 ? 0 : width + 2 * Scale(kBeside, DpiOf(window_)));
     if (rights.empty()) return;
     rights.back() = -1;
     SendMessageW(Handle(window_), SB_SETPARTS, rights.size(), reinterpret_cast<LPARAM>(rights.data()));

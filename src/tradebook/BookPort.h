@@ -14,6 +14,8 @@ class ITradeSink {
     // Whether a trade of the book has the record's duplicate key (Symbol, ExchangeTradeID, ExchangeOrderNo
     // and ExchangeTradeTime, as they stand in the record).
     virtual bool Holds(const TradeRecord& record) const = 0;
+    // VELTTradeID of a trade that has this key; 0: none has.
+    virtual std::uint32_t HolderOf(const TradeRecord& record) const = 0;
     // Takes the record as a new trade: gives it VELTTradeID and VELTOrderID, and OrderID when that is 0,
     // stores and shows it, reports it to the terminal and sets the changed flag. Returns the identifier
     // given.

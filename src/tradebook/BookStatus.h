@@ -12,12 +12,13 @@ struct BookStatus {
     std::uint64_t shown = 0, all = 0, selected = 0;  // trades
     std::uint64_t bought = 0, sold = 0;              // quantities of all trades
     bool changed = false;                            // since the last save
+    std::string import;                              // what the last one came to
     std::string notice;                              // the last one
     bool operator==(const BookStatus&) const = default;
 };
 
 namespace statuspart {
-enum Index : std::size_t { Trades, Selected, Bought, Sold, Changed, Notice, Count };
+enum Index : std::size_t { Trades, Selected, Bought, Sold, Changed, Import, Notice, Count };
 }
 
 std::array<std::string, statuspart::Count> StatusTexts(const BookStatus& status);

@@ -27,7 +27,8 @@ bool CDravelBar::OnCreate() {
     if (!grid_->Create(Window(), Content(), 0)) return false;
     LoadBook();
     MakeStatusLine();
-    context_.entry.BookOpened({book_, store_.get(), *this, context_.log, &context_});
+    context_.entry.BookOpened(
+        {book_, store_.get(), *this, context_.log, &context_, [this] { StatusStale(); }});
     return true;
 }
 
@@ -74,6 +75,7 @@ void CDravelBar::ShowStatus() {
                                     .bought = book_.Totals().bought,
                                     .sold = book_.Totals().sold,
                                     .changed = book_.Changed(),
+                                    .import = context_.entry.ImportSummary(),
                                     .notice = said});
     status_.SetTexts(texts);
 }

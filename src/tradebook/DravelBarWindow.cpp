@@ -37,11 +37,16 @@ void CDravelBar::OnSetFocus() {
     if (grid_) SetFocus(static_cast<HWND>(grid_->Window()));
 }
 
-// A click on the last notice shows them all.
+// A click on the last notice shows them all, one on what the last import came to shows its report.
 bool CDravelBar::OnMessage(std::uint32_t message, std::uintptr_t wparam, std::intptr_t lparam,
                            std::intptr_t& result) {
-    if (message != WM_NOTIFY || status_.ClickedPart(lparam) != statuspart::Notice)
+    const int part = message == WM_NOTIFY ? status_.ClickedPart(lparam) : -1;
+    if (part == statuspart::Notice) {
+        ShowNoticeList(Window(), context_.notices);
+    } else if (part == statuspart::Import) {
+        context_.entry.ShowImportReport(Window());
+    } else {
         return CVELTSDockingControlBar::OnMessage(message, wparam, lparam, result);
-    ShowNoticeList(Window(), context_.notices);
+    }
     return true;
 }

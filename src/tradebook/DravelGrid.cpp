@@ -15,6 +15,7 @@ constexpr GridAccelerator kKeys[] = {
     {0x2D /* Insert */, {}, command::AddTrade},
     {'S', kCtrl, command::Save},
     {'I', kCtrl, command::Import},
+    {'I', {.shift = true, .ctrl = true}, command::ImportReport},
     {'E', kCtrl, command::ExportCsv},
     {'C', kCtrl, command::Copy},
     {'C', {.shift = true, .ctrl = true}, command::CopyHtml},
@@ -139,6 +140,9 @@ bool CDravelGrid::OnCommand(std::uint32_t id) {
             return true;
         case command::Import:
             Import({});
+            return true;
+        case command::ImportReport:
+            entry_.ShowImportReport(Window());
             return true;
         case command::CopyHtml:
             CopyAsHtml();

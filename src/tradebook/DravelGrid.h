@@ -19,7 +19,7 @@ namespace command {
 inline constexpr std::uint16_t AddTrade = 40001, DeleteTrades = 40002, Save = 40003, Import = 40004,
                                ExportCsv = 40005, CopyHtml = 40006, FilterBar = 40007, FieldChooser = 40008,
                                Properties = 40009, ClearSelection = 40010, SaveLayout = 40011,
-                               MultipleSort = 40012, Copy = 40013;
+                               MultipleSort = 40012, Copy = 40013, ImportReport = 40014;
 }  // namespace command
 
 // The settings key of the grid's properties and font.
@@ -138,10 +138,16 @@ class CDravelGrid final : public CVELTSGridCtrl,
     void ChangedFlagSet(bool) override { StatusStale(); }
     void OnSelectionChanged() override { StatusStale(); }
     void StatusStale() const {
-        if (statusListener_) statusListener_();
+        if (statusListener_ && batches_ == 0) statusListener_();
     }
-    void BatchBegins() override { BeginUpdate(); }
-    void BatchEnds() override { EndUpdate(); }
+    void BatchBegins() override {
+        BeginUpdate();
+        ++batches_;
+    }
+    void BatchEnds() override {
+        EndUpdate();
+        if (--batches_ == 0) StatusStale();
+    }
 
     // The rows of the book stand below those that are being typed.
     void Inserted(std::uint32_t at, std::uint32_t count) override {
@@ -179,6 +185,7 @@ class CDravelGrid final : public CVELTSGridCtrl,
     Dravel::GridProperties properties_;
     Dravel::DraftSheet drafts_;
     Dravel::TradeRows rows_{book_, *this};
+    int batches_ = 0;  // that run: the status line waits for their end
     bool firstRowAdded_ = false;
     Dravel::TradeItem selectedAtFirst_ = Dravel::kNoItem;  // when the first row was added
     std::function<void()> statusListener_;

@@ -19,6 +19,7 @@ constexpr MenuEntry kMenu[] = {
     {command::DeleteTrades, L"&Delete Trade\tDelete", true},
     {0, nullptr},
     {command::Import, L"&Import Trades...\tCtrl+I"},
+    {command::ImportReport, L"Import Re&port...\tCtrl+Shift+I"},
     {command::Save, L"&Save\tCtrl+S"},
     {command::ExportCsv, L"&Export CSV...\tCtrl+E"},
     {0, nullptr},
@@ -66,7 +67,8 @@ void CDravelGrid::OnContextMenu(int x, int y, const GridHit&) {
     const std::wstring filter = std::wstring(FilterMenuText()) + L"\tCtrl+F";
     for (const MenuEntry& entry : kMenu) {
         const bool idle = (entry.needsSelection && Selection().Empty()) ||
-                          (entry.command == command::ExportCsv && book_.RowCount() == 0);
+                          (entry.command == command::ExportCsv && book_.RowCount() == 0) ||
+                          (entry.command == command::ImportReport && entry_.ImportSummary().empty());
         const bool checked = entry.command == command::MultipleSort && MultipleSort();
         const UINT state = (idle ? MF_GRAYED : 0u) | (checked ? MF_CHECKED : 0u);
         const wchar_t* text = entry.command == command::FilterBar ? filter.c_str() : entry.text;

@@ -3,6 +3,7 @@
 
 #include <cstdint>
 #include <filesystem>
+#include <functional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -31,7 +32,8 @@ struct BookParts {
     BookFile* store;  // nullptr: another program owns the book's file, nothing can be saved
     IUiThread& ui;
     ILog& log;
-    const BarContext* bar;  // nullptr: no bar shows the book
+    const BarContext* bar;                   // nullptr: no bar shows the book
+    std::function<void()> importEnded = {};  // another ImportSummary is to be shown
 };
 
 // User-interface thread throughout.
@@ -61,6 +63,10 @@ class IEntry {
     virtual void Delete(IDraftView& view) = 0;
     // The import dialog, modal to `owner`, with `file` filled in when it is not empty.
     virtual void Import(void* owner, const std::filesystem::path& file) = 0;
+    // What the last import since the book was opened came to, for the status line; empty: there was none.
+    virtual std::string ImportSummary() const = 0;
+    // The report about it, in a window of its own; nothing when there was none.
+    virtual void ShowImportReport(void* owner) = 0;
     // An import runs: the bar must neither hide nor close.
     virtual bool Busy() const = 0;
 };

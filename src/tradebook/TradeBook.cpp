@@ -128,6 +128,11 @@ void TradeBook::Leave(TradeItem item) {
     if (record.side == side::Sell) totals_.sold -= record.quantity;
 }
 
+std::uint32_t TradeBook::HolderOf(const TradeRecord& record) const {
+    const TradeItem item = keys_.Find(record);
+    return item == DuplicateKeys::kNone ? 0u : +Record(item).veltTradeID;
+}
+
 // Ranks have gaps where trades went, so the next one follows from the top row's and not from their number.
 void TradeBook::PushRow(TradeItem item) {
     const std::uint32_t rank = rows_.empty() ? 0 : ranks_[rows_.back()] + 1;

@@ -67,6 +67,7 @@ class TradeBook final : public ITradeSink {
     bool Holds(const TradeRecord& record) const override {
         return keys_.Find(record) != DuplicateKeys::kNone;
     }
+    std::uint32_t HolderOf(const TradeRecord& record) const override;
     // Puts `record` in the place of the trade, which keeps its identifier, looks up the contract when the
     // record has none, reports the trade and sets the changed flag. False: the trade was deleted.
     bool Edit(TradeItem item, TradeRecord record);

@@ -26,6 +26,9 @@ case $(basename "$script") in bad-input*)
   yes '<A>"#' | head -c 5000 > "$stage/PLUGINDLLS/Dravel/Dravel/Settings.xml"
   yes '<A>"#' | head -c 5000 > "$stage/PLUGINDLLS/Dravel/Dravel/Data/DravelBook_Dravel.ada" ;;
 esac
+case $(basename "$script") in import-cancel*)
+  wine "$build/make_trades.exe" --csv "$(winepath -w "$stage/samples/many.csv")" --trades 300000 --duplicates 40 ;;
+esac
 set +e
 timeout "${SCRIPT_TIMEOUT:-300}" wine "$stage/VELTSHost.exe" --script "$script" --out "$stage/out"
 code=$?

@@ -48,7 +48,8 @@ Plugin::Plugin()
     : folder_(WorkingFolder()),
       host_(reinterpret_cast<std::uintptr_t>(&OnPluginMessage)),
       clients_(SystemFiles(), host_, folder_.FormatSets()),
-      entry_({host_, user_, SystemFiles(), SystemClock(), clients_, &ShowImportDialog}) {}
+      reportWindow_(SystemFiles(), user_),
+      entry_({host_, user_, SystemFiles(), SystemClock(), clients_, &ShowImportDialog, reportWindow_}) {}
 
 Plugin::OpenBook::OpenBook(Plugin& plugin)
     : log(SystemFiles(), SystemClock(), plugin.folder_.Log()),

@@ -5,6 +5,7 @@
 #include <optional>
 #include <vector>
 
+#include "entry/DlgImportReport.h"
 #include "entry/Entry.h"
 #include "plugin/MessageDispatch.h"
 #include "plugin/win32/ScreenUser.h"
@@ -57,6 +58,7 @@ class Plugin final : public IPluginHandlers {
     TerminalHost host_;
     ScreenUser user_;
     ManualClients clients_;
+    DlgImportReport reportWindow_;
     Entry entry_;
     std::unique_ptr<OpenBook> open_;
     std::vector<TradeRecord> pending_;  // trades that came while there was no grid
