@@ -10,7 +10,7 @@
 #include "plugin/win32/ScreenUser.h"
 #include "plugin/win32/TerminalHost.h"
 #include "support/DataFolder.h"
-#include "support/Log.h"
+#include "support/FileLog.h"
 #include "tradebook/DravelBar.h"
 #include "tradebook/base/RememberedAnswers.h"
 #include "tradebook/base/VELTPXMLSettings.h"
@@ -36,10 +36,19 @@ class Plugin final : public IPluginHandlers {
     void AskToSave() override;
 
  private:
+    // The log's thread.
+    struct LogThread {
+        explicit LogThread(CFileLog& log) : log_(log) { log_.Start(); }
+        ~LogThread() { log_.Stop(); }
+        LogThread(const LogThread&) = delete;
+        LogThread& operator=(const LogThread&) = delete;
+        CFileLog& log_;
+    };
+
     // Lives exactly as long as the bar's window; the bar is the last member because it uses the others.
     struct OpenBook {
         OpenBook(Plugin& plugin);
-        CFileLog log;
+        LogThread logThread;
         CVELTPXMLSettings settings;
         RememberedAnswers answers;
         NoticeList notices;
@@ -48,12 +57,14 @@ class Plugin final : public IPluginHandlers {
 
     Plugin();
     void CreateBar();
+    void TellFrameOfLog(void* frame);
     void BarGone();
     void HandOverPendingItems();
     void HoldLibrary();
     void ReleaseLibrary();
 
     DataFolder folder_;
+    CFileLog log_;
     TerminalHost host_;
     ScreenUser user_;
     ManualClients clients_;
