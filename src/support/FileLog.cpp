@@ -132,10 +132,11 @@ void CFileLog::TakeDay() {
     }
 }
 
-// The disk's lock is held. False: the disk refuses.
-bool CFileLog::Drain() {
-    while (TakeLines()) {
+// Writes what waits, about `most` bytes of it. The disk's lock is held. False: the disk refuses.
+bool CFileLog::Drain(std::size_t most) {
+    for (std::size_t written = 0; written < most && TakeLines();) {
         if (!file_.Append(linesDay_, lines_)) return false;
+        written += lines_.size();
         lines_.clear();
         if (file_.Size() < kMaxLogFile) continue;
         const std::lock_guard guard(lock_);
@@ -146,7 +147,7 @@ bool CFileLog::Drain() {
 
 void CFileLog::DrainAsCaller() {
     const std::lock_guard guard(disk_);
-    Drain();
+    Drain(SIZE_MAX);
     file_.Close();
 }
 
@@ -204,7 +205,7 @@ void CFileLog::Work() noexcept {
         } catch (...) {  // out of memory: like a disk that refuses
         }
         if (done) {
-            wake_.Wait(wait);
+            wake_.Wait(Waiting() == 0 ? wait : 0);
         } else {
             stop_.Wait(kAskAgain);
         }
@@ -214,9 +215,9 @@ void CFileLog::Work() noexcept {
 bool CFileLog::Round() {
     wake_.Reset();
     const std::lock_guard guard(disk_);
-    if (!Drain()) return false;
+    // Before the queue is emptied: lines of the days before are then in their files.
     const std::string today = Today(clock_);
-    if (!file_.Begin(today)) return false;
+    if (!Drain(kLogQueue) || !file_.Begin(today)) return false;
     ArchiveWhenDue(today);
     return true;
 }
@@ -225,7 +226,7 @@ void CFileLog::ArchiveWhenDue(const std::string& today) {
     const std::int64_t now = clock_.Now(), since = now - archiveFailed_;
     if (archivedDay_ == today || (since >= 0 && since < kArchiveAgain)) return;
     // Lines that come meanwhile are not kept waiting.
-    const ZipPulse pulse = [this] { return Drain(), !Stopping(); };
+    const ZipPulse pulse = [this] { return Drain(kLogQueue), !Stopping(); };
     if (archive_.Run(today, pulse)) {
         archivedDay_ = today;
     } else if (!Stopping()) {

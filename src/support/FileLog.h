@@ -69,7 +69,7 @@ class CFileLog final : public ILog {
     bool QueueReport();
     bool TakeLines();
     void TakeDay();
-    bool Drain();
+    bool Drain(std::size_t most);
     void DrainAsCaller();
     void Work() noexcept;
     bool Round();
@@ -90,8 +90,8 @@ class CFileLog final : public ILog {
     KRV::Thread::CKRVLock disk_;  // guards these; taken before lock_
     LogFile file_;
     LogArchive archive_;
-    std::string lines_, linesDay_;  // taken out of the queue, not on the disk yet
-    std::string archivedDay_;       // up to which the archive is complete
+    std::string lines_, linesDay_;    // taken out of the queue, not on the disk yet
+    std::string archivedDay_;         // up to which the archive is complete
     std::int64_t archiveFailed_ = 0;  // when it last could not be completed
 
     KRV::Thread::CKRVEvent wake_, stop_;
