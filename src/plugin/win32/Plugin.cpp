@@ -42,6 +42,7 @@ void Plugin::Make() {
     SetFailureLog(&theOne->log_);
 }
 void Plugin::Unmake() noexcept {
+    RemoveCrashDump();
     SetFailureLog(nullptr);
     delete std::exchange(theOne, nullptr);
 }

@@ -11,6 +11,7 @@
 #include "plugin/win32/TerminalHost.h"
 #include "support/DataFolder.h"
 #include "support/FileLog.h"
+#include "support/win32/CrashDump.h"
 #include "tradebook/DravelBar.h"
 #include "tradebook/base/RememberedAnswers.h"
 #include "tradebook/base/VELTPXMLSettings.h"
@@ -25,6 +26,10 @@ class Plugin final : public IPluginHandlers {
     // At loading and unloading. When the process ends, nothing is unmade: its threads are gone by then.
     static void Make();
     static void Unmake() noexcept;
+
+    // From now on a crash of the process leaves a dump. To be called by every entry: loading the library is
+    // too early.
+    void WatchForCrashes() { InstallCrashDump(folder_.Log()); }
 
     // Creates the bar, or shows and focuses it. A call that arrives while one runs does nothing: creating the
     // bar pumps messages.
@@ -49,6 +54,7 @@ class Plugin final : public IPluginHandlers {
     struct OpenBook {
         OpenBook(Plugin& plugin);
         LogThread logThread;
+        CrashDumpThread crashDumpThread;
         CVELTPXMLSettings settings;
         RememberedAnswers answers;
         NoticeList notices;
