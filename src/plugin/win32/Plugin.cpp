@@ -96,6 +96,7 @@ void Plugin::CreateBar() {
     HoldLibrary();
     TellFrameOfLog(frame);
     open_ = std::make_unique<OpenBook>(*this);
+    host_.LoadMasterFile(SystemFiles(), folder_.MasterFile(), log_);
     if (!open_->bar.Create(frame, kBarTitle, kFloatingPlace, identifier)) {
         BarGone();
         return;
