@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <chrono>
 #include <mutex>
-#include <system_error>
 #include <utility>
 
 #include "formatset/DateFormat.h"
@@ -157,20 +156,15 @@ void CFileLog::Start() {
     stopTime_ = 0;
     stop_.Reset();
     wake_.Reset();
-    try {
-        thread_ = std::thread([this] { Work(); });
-        running_ = true;
-    } catch (const std::system_error&) {
-        // Then the callers go on writing.
-    }
+    running_ = thread_.Start([this] { Work(); });
 }
 
 void CFileLog::Stop() {
-    if (!thread_.joinable()) return;
+    if (!thread_.Runs()) return;
     stopTime_ = SteadyMilliseconds();
     stop_.Set();
     wake_.Set();
-    thread_.join();
+    thread_.Join();
     {
         const std::lock_guard guard(lock_);
         running_ = false;
@@ -225,8 +219,8 @@ bool CFileLog::Round() {
 void CFileLog::ArchiveWhenDue(const std::string& today) {
     const std::int64_t now = clock_.Now(), since = now - archiveFailed_;
     if (archivedDay_ == today || (since >= 0 && since < kArchiveAgain)) return;
-    // Lines that come meanwhile are not kept waiting.
-    const ZipPulse pulse = [this] { return Drain(kLogQueue), !Stopping(); };
+    // Lines that come meanwhile are not kept waiting, nor is the archive by many of them.
+    const ZipPulse pulse = [this] { return Drain(4 * kChunk), !Stopping(); };
     if (archive_.Run(today, pulse)) {
         archivedDay_ = today;
     } else if (!Stopping()) {

@@ -9,12 +9,12 @@
 #include <functional>
 #include <string>
 #include <string_view>
-#include <thread>
 
 #include "platform/Clock.h"
 #include "platform/Event.h"
 #include "platform/Files.h"
 #include "platform/Lock.h"
+#include "platform/Thread.h"
 #include "support/Log.h"
 #include "support/LogArchive.h"
 #include "support/LogFile.h"
@@ -95,7 +95,7 @@ class CFileLog final : public ILog {
     std::int64_t archiveFailed_ = 0;  // when it last could not be completed
 
     KRV::Thread::CKRVEvent wake_, stop_;
-    std::thread thread_;
+    KRV::Thread::CKRVThread thread_;
     std::atomic<std::int64_t> stopTime_ = 0;  // when Stop was called, by the steady clock; 0: it was not
 };
 
