@@ -213,6 +213,7 @@ bool CFileLog::Round() {
     const std::string today = Today(clock_);
     if (!Drain(kLogQueue) || !file_.Begin(today)) return false;
     ArchiveWhenDue(today);
+    if (Today(clock_) != today) wake_.Set();
     return true;
 }
 
