@@ -1,5 +1,6 @@
 // Commands that load the plug-in, open and close its book, and send it messages.
 #include <fstream>
+#include <stdexcept>
 
 #include "Commands.h"
 #include "Dialogs.h"
@@ -163,6 +164,42 @@ void MakeContracts(Stage& stage, const Words& words) {
     stage.OnUi([&stage, count] { stage.Host().Master().MakeContracts(count); });
 }
 
+// Each ends the program out of its main loop, where no window procedure of the system stands between.
+void AccessViolation() {
+    *static_cast<volatile int*>(nullptr) = 1;
+}
+void Throw() {
+    throw std::runtime_error("crash throw");
+}
+// Called through a pointer that the compiler cannot see through. Large steps: the end is met by the probing
+// in front of a step, with the step's room still free. Wine keeps no room free for the handlers of an
+// overflow, as SetThreadStackGuarantee asks it to: after small steps it ends the thread before anybody hears
+// of it.
+int Recurse(int depth);
+int (*volatile recurse)(int) = Recurse;
+int Recurse(int depth) {
+    volatile char step[64 * 1024];
+    step[0] = static_cast<char>(depth);
+    return recurse(depth + 1) + step[0];
+}
+void StackOverflow() {
+    recurse(0);
+}
+
+constexpr struct {
+    std::string_view name;
+    void (*crash)();
+} kCrashes[] = {{"access-violation", AccessViolation}, {"throw", Throw}, {"stack-overflow", StackOverflow}};
+
+void Crash(Stage& stage, const Words& words) {
+    for (const auto& kind : kCrashes) {
+        if (kind.name != words[0]) continue;
+        stage.OnUi([&] { stage.Host().crash = kind.crash; });
+        stage.Until([] { return false; }, "the program lives on");
+    }
+    Fail("no such crash");
+}
+
 constexpr CommandEntry kCommands[] = {
     {"load", "", 0, 0, Load},
     {"unload", "", 0, 0, Unload},
@@ -181,6 +218,7 @@ constexpr CommandEntry kCommands[] = {
     {"reenter-on", "GetPluginBarID | GetMasterRequest CODE [FIELD=VALUE...]", 1, 99, Reenter},
     {"master-answers", "normal|nothing|no-list|nulls|long [MILLISECONDS]", 1, 2, MasterAnswers},
     {"make-contracts", "COUNT", 1, 1, MakeContracts},
+    {"crash", "access-violation|throw|stack-overflow", 1, 1, Crash},
 };
 
 }  // namespace

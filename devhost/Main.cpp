@@ -45,11 +45,12 @@ bool ReadCommandLine(Options& options) {
     return good;
 }
 
-void RunMessages() {
+void RunMessages(const Terminal& terminal) {
     MSG message;
     while (GetMessageW(&message, nullptr, 0, 0) > 0) {
         TranslateMessage(&message);
         DispatchMessageW(&message);
+        if (terminal.crash) terminal.crash();
     }
 }
 
@@ -68,11 +69,11 @@ int WINAPI wWinMain(HINSTANCE, HINSTANCE, wchar_t*, int) {
         if (!terminal.LoadPlugin(error) || !terminal.OpenBook()) {
             MessageBoxA(nullptr, error.c_str(), "VELTS Terminal", MB_ICONWARNING);
         }
-        RunMessages();
+        RunMessages(terminal);
         return 0;
     }
     terminal.endsWithFrame = false;
     ScriptRunner runner(terminal, options.script, options.out);
-    RunMessages();
+    RunMessages(terminal);
     return runner.ExitCode();
 }

@@ -149,7 +149,7 @@ bool Terminal::SendTrade(std::string& error) {
          "StrikePrice=" + NumberText(contract.strikePrice),
          std::string("Side=") + (tradesSent_ % 2 ? "1" : "2"), "OrderType=1",
          "Quantity=" + NumberText(25 * tradesSent_), "Price=" + NumberText(100 + 0.05 * tradesSent_),
-         "ClientID=" +
+         std::string("ClientID=") +
              (master_.Clients().empty() ? "OWN" : master_.Clients()[tradesSent_ % master_.Clients().size()]),
          "ReferenceText=host trade " + number},
         error);

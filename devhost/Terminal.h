@@ -67,6 +67,9 @@ class Terminal {
     // A trade of the master's first contracts, a new one each time.
     bool SendTrade(std::string& error);
 
+    // What the main loop does when it has handled its message: crash on purpose.
+    void (*crash)() = nullptr;
+
     // Callbacks
     std::uint32_t BarID(const wchar_t* title, const wchar_t* key);
     // Sends message 32042 out of the next call of GetPluginBarID, as a terminal does that pumps messages

@@ -6,9 +6,8 @@
 #include <fstream>
 #include <random>
 
+#include "platform/Clock.h"
 #include "platform/Files.h"
-#include "support/FakeClock.h"
-#include "support/Log.h"
 #ifdef _WIN32
 #include "platform/win32/UniqueHandle.h"
 #endif
@@ -149,18 +148,3 @@ TEST_F(Disk, WhatIsHeldOpenIsNotReplaced) {
     EXPECT_TRUE(files.Replace(root / "new", root / "old"));
 }
 #endif
-
-TEST_F(Disk, LogLinesOfADay) {
-    ::Dravel::Test::FakeClock clock;
-    CFileLog log(files, clock, root / "Log");
-    log.Line(LogLevel::Warning, "Here", "two\r\nlines");
-    clock.now += 86400;
-    log.Line(LogLevel::Error, "There", std::string(100000, 'x'));
-    EXPECT_EQ(Get(fs::path("Log") / "Dravel_20210303.log"),
-              "20210303-09:05:00.007 WARNING Here: two  lines\r\n");
-    EXPECT_EQ(fs::file_size(root / "Log" / "Dravel_20210304.log"), 4096 + 37u);
-    CFileLog nowhere(files, clock, root / "Log" / "Dravel_20210303.log");
-    for (int i = 0; i < 10000; ++i) {
-        nowhere.Line(LogLevel::Info, "", "given up quietly");
-    }
-}

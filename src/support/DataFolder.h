@@ -10,7 +10,8 @@ namespace Dravel {
 class DataFolder {
  public:
     explicit DataFolder(const std::filesystem::path& workingFolder)
-        : root_(workingFolder / "PLUGINDLLS" / "Dravel" / "Dravel") {}
+        : root_(workingFolder / "PLUGINDLLS" / "Dravel" / "Dravel"),
+          masterFile_(workingFolder / "SecurityMaster.csv") {}
 
     const std::filesystem::path& Root() const { return root_; }
     std::filesystem::path Data() const { return root_ / "Data"; }
@@ -19,9 +20,11 @@ class DataFolder {
     std::filesystem::path Csv() const { return root_ / "CSV"; }
     std::filesystem::path FormatSets() const { return root_ / "CSV" / "DravelFormateSet"; }
     std::filesystem::path Log() const { return root_ / "Log"; }
+    // The terminal's own file, in its working folder.
+    const std::filesystem::path& MasterFile() const { return masterFile_; }
 
  private:
-    std::filesystem::path root_;
+    std::filesystem::path root_, masterFile_;
 };
 
 }  // namespace Dravel

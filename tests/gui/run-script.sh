@@ -8,7 +8,7 @@ script=$(cd "$(dirname "$2")" && pwd)/$(basename "$2")
 host=${3:-VELTSHost.exe}
 source=$(cd "$(dirname "$0")/../.." && pwd)
 stage=$build/gui/$(basename "$script" .script)
-case $(basename "$script") in without-callbacks*) host=VELTSHostBare.exe ;; esac
+case $(basename "$script") in without-callbacks* | master-file*) host=VELTSHostBare.exe ;; esac
 
 rm -rf "$stage"
 mkdir -p "$stage/PLUGINDLLS/Dravel" "$stage/samples" "$stage/out"
@@ -20,6 +20,8 @@ case $(basename "$script") in import-sets*)
   mkdir -p "$stage/PLUGINDLLS/Dravel/Dravel/CSV/DravelFormateSet"
   cp "$source"/samples/formatsets/*.CSV "$stage/PLUGINDLLS/Dravel/Dravel/CSV/DravelFormateSet/" ;;
 esac
+# A terminal that answers no requests, but has the file that it would answer from.
+case $(basename "$script") in master-file*) cp "$source/samples/SecurityMaster.csv" "$stage/" ;; esac
 case $(basename "$script") in bad-input*)
   # What a broken disk leaves: neither may keep the book from opening.
   mkdir -p "$stage/PLUGINDLLS/Dravel/Dravel/Data"

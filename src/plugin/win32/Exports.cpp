@@ -33,13 +33,17 @@ std::uint64_t Address(auto* entry) {
 void GetDllInfo(CTagReceiveQueue* output, std::uint8_t* flag) {
     if (!output || !flag) return;
     Guarded("GetDllInfo", [&] {
+        Dravel::Plugin::Instance().WatchForCrashes();
         Dravel::AppendRegistration(*output, *flag,
                                    {Address(&DravelBar), Address(&OnMessage), Address(&OnPluginMessage)});
     });
 }
 
 void DravelBar() {
-    Guarded("DravelBar", [] { Dravel::Plugin::Instance().ShowBar(); });
+    Guarded("DravelBar", [] {
+        Dravel::Plugin::Instance().WatchForCrashes();
+        Dravel::Plugin::Instance().ShowBar();
+    });
 }
 
 void OnMessage(CTagMessageReader* reader) {

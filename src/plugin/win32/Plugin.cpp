@@ -39,24 +39,28 @@ Plugin& Plugin::Instance() {
 }
 void Plugin::Make() {
     theOne = new Plugin;
+    SetFailureLog(&theOne->log_);
 }
 void Plugin::Unmake() noexcept {
+    RemoveCrashDump();
+    SetFailureLog(nullptr);
     delete std::exchange(theOne, nullptr);
 }
 
 Plugin::Plugin()
     : folder_(WorkingFolder()),
+      log_(SystemFiles(), SystemClock(), folder_.Log()),
       host_(reinterpret_cast<std::uintptr_t>(&OnPluginMessage)),
       clients_(SystemFiles(), host_, folder_.FormatSets()),
       reportWindow_(SystemFiles(), user_),
       entry_({host_, user_, SystemFiles(), SystemClock(), clients_, &ShowImportDialog, reportWindow_}) {}
 
 Plugin::OpenBook::OpenBook(Plugin& plugin)
-    : log(SystemFiles(), SystemClock(), plugin.folder_.Log()),
+    : logThread(plugin.log_),
       answers(settings),
       notices(SystemClock()),
       bar({plugin.host_, plugin.user_, plugin.entry_, SystemFiles(), SystemClock(), plugin.folder_, settings,
-           log, notices},
+           plugin.log_, notices},
           [&plugin] { plugin.BarGone(); }) {
     settings.LoadFile(SystemFiles(), plugin.folder_.Settings());
 }
@@ -91,15 +95,26 @@ void Plugin::CreateBar() {
     void* const frame = TerminalHost::MainFrame();
     const std::uint32_t identifier = host_.BarID(kBarTitle, kBarKey);
     HoldLibrary();
+    TellFrameOfLog(frame);
     open_ = std::make_unique<OpenBook>(*this);
-    SetFailureLog(&open_->log);
+    host_.LoadMasterFile(SystemFiles(), folder_.MasterFile(), log_);
     if (!open_->bar.Create(frame, kBarTitle, kFloatingPlace, identifier)) {
         BarGone();
         return;
     }
-    user_.Attach(open_->bar.Window(), &open_->log, &open_->answers, &open_->notices);
+    user_.Attach(open_->bar.Window(), &log_, &open_->answers, &open_->notices);
     open_->bar.TakePlace();
     open_->bar.Show(true);
+}
+
+// The terminal hears of each warning and error by the registered message "KRV_MSG_LOG": wParam is the level,
+// 1 or 2. Posting waits for nobody.
+void Plugin::TellFrameOfLog(void* frame) {
+    const UINT message = RegisterWindowMessageW(L"KRV_MSG_LOG");
+    if (!frame || message == 0) return;
+    log_.Tell([frame, message](LogLevel level) {
+        PostMessageW(static_cast<HWND>(frame), message, static_cast<WPARAM>(level), 0);
+    });
 }
 
 // The bar's window is no more: everything that lived with it goes, and the next call makes a new one.
@@ -107,9 +122,10 @@ void Plugin::BarGone() {
     if (!open_) return;
     ClosePopups();
     user_.Attach(nullptr, nullptr, nullptr, nullptr);
-    SetFailureLog(nullptr);
     created_ = false;
-    const std::unique_ptr<OpenBook> gone = std::move(open_);
+    std::unique_ptr<OpenBook> gone = std::move(open_);
+    gone.reset();
+    log_.Tell({});
     ReleaseLibrary();
 }
 

@@ -11,7 +11,8 @@
 #include "plugin/win32/ScreenUser.h"
 #include "plugin/win32/TerminalHost.h"
 #include "support/DataFolder.h"
-#include "support/Log.h"
+#include "support/FileLog.h"
+#include "support/win32/CrashDump.h"
 #include "tradebook/DravelBar.h"
 #include "tradebook/base/RememberedAnswers.h"
 #include "tradebook/base/VELTPXMLSettings.h"
@@ -27,6 +28,10 @@ class Plugin final : public IPluginHandlers {
     static void Make();
     static void Unmake() noexcept;
 
+    // From now on a crash of the process leaves a dump. To be called by every entry: loading the library is
+    // too early.
+    void WatchForCrashes() { InstallCrashDump(folder_.Log()); }
+
     // Creates the bar, or shows and focuses it. A call that arrives while one runs does nothing: creating the
     // bar pumps messages.
     void ShowBar() override;
@@ -37,10 +42,20 @@ class Plugin final : public IPluginHandlers {
     void AskToSave() override;
 
  private:
+    // The log's thread.
+    struct LogThread {
+        explicit LogThread(CFileLog& log) : log_(log) { log_.Start(); }
+        ~LogThread() { log_.Stop(); }
+        LogThread(const LogThread&) = delete;
+        LogThread& operator=(const LogThread&) = delete;
+        CFileLog& log_;
+    };
+
     // Lives exactly as long as the bar's window; the bar is the last member because it uses the others.
     struct OpenBook {
         OpenBook(Plugin& plugin);
-        CFileLog log;
+        LogThread logThread;
+        CrashDumpThread crashDumpThread;
         CVELTPXMLSettings settings;
         RememberedAnswers answers;
         NoticeList notices;
@@ -49,12 +64,14 @@ class Plugin final : public IPluginHandlers {
 
     Plugin();
     void CreateBar();
+    void TellFrameOfLog(void* frame);
     void BarGone();
     void HandOverPendingItems();
     void HoldLibrary();
     void ReleaseLibrary();
 
     DataFolder folder_;
+    CFileLog log_;
     TerminalHost host_;
     ScreenUser user_;
     ManualClients clients_;

@@ -3,27 +3,44 @@
 #include <windows.h>
 
 #include <algorithm>
+#include <string>
 
 #include "message/TagMessageWriter.h"
 #include "plugin/KRVDLLComman.h"
 
 namespace Dravel {
 
+void TerminalHost::LoadMasterFile(IFiles& files, const std::filesystem::path& path, ILog& log) {
+    using Outcome = SecurityMasterLoad::Outcome;
+    constexpr char kContext[] = "TerminalHost::LoadMasterFile";
+    if (DLLComman().GetMasterRequest() || !master_.Contracts().empty()) return;
+    const SecurityMasterLoad load = master_.Load(files, path);
+    if (load.outcome == Outcome::Missing) return;
+    if (load.outcome == Outcome::NoMaster) {
+        log.Line(LogLevel::Warning, kContext, "The first line names no columns of a security master.");
+        return;
+    }
+    const bool whole = load.outcome == Outcome::Loaded && load.passedOver == 0;
+    log.Line(whole ? LogLevel::Info : LogLevel::Warning, kContext,
+             std::to_string(load.contracts) + " contracts, " + std::to_string(load.passedOver) +
+                 " lines passed over" + (load.outcome == Outcome::CutShort ? ", not read to the end" : ""));
+}
+
 MasterAnswer TerminalHost::Ask(std::uint32_t kind, std::span<const char* const> texts) {
     MasterAnswer answer{};
-    const auto ask = DLLComman().GetMasterRequest();
-    if (!ask) return answer;
     MasterRequest request{};
     request.kind = kind;
     request.textCount = static_cast<std::uint32_t>(std::min(texts.size(), std::size(request.texts)));
     std::copy_n(texts.begin(), request.textCount, request.texts);
+    const auto ask = DLLComman().GetMasterRequest();
+    if (!ask) return master_.Answer(request);
     ask(&request, 0, &answer);
     if (!answer.list) answer.count = 0;
     return answer;
 }
 
 bool TerminalHost::HasSecurityMaster() const {
-    return DLLComman().GetMasterRequest() != nullptr;
+    return DLLComman().GetMasterRequest() != nullptr || !master_.Contracts().empty();
 }
 
 void TerminalHost::Send(CTagMessageWriter& frame) {

@@ -4,13 +4,20 @@
 #include <cstdint>
 
 #include "host/Host.h"
+#include "support/Log.h"
+#include "support/SecurityMaster.h"
 
 namespace Dravel {
 
-// User-interface thread. A callback that is not exported answers nothing.
+// User-interface thread. A callback that is not exported answers nothing; in the place of a missing
+// GetMasterRequest the terminal's master file is asked.
 class TerminalHost final : public IHost {
  public:
     explicit TerminalHost(std::uint64_t messageEntry) : messageEntry_(messageEntry) {}
+
+    // Reads the master file when the terminal has no callback for it and it was not read before. No file is
+    // no failure.
+    void LoadMasterFile(IFiles& files, const std::filesystem::path& path, ILog& log);
 
     MasterAnswer Ask(std::uint32_t kind, std::span<const char* const> texts) override;
     bool HasSecurityMaster() const override;
@@ -28,6 +35,7 @@ class TerminalHost final : public IHost {
 
  private:
     std::uint64_t messageEntry_;
+    SecurityMaster master_;  // trades keep its entries: never read anew
 };
 
 }  // namespace Dravel

@@ -1,0 +1,31 @@
+#include "platform/Thread.h"
+
+#include <system_error>
+#include <thread>
+#include <utility>
+
+namespace KRV::Thread {
+
+struct CKRVThread::Impl {
+    std::thread thread;
+};
+
+CKRVThread::CKRVThread() : impl_(std::make_unique<Impl>()) {}
+CKRVThread::~CKRVThread() = default;
+
+bool CKRVThread::Start(std::function<void()> work) try {
+    impl_->thread = std::thread(std::move(work));
+    return true;
+} catch (const std::system_error&) {
+    return false;
+}
+
+bool CKRVThread::Runs() const {
+    return impl_->thread.joinable();
+}
+
+void CKRVThread::Join() {
+    impl_->thread.join();
+}
+
+}  // namespace KRV::Thread

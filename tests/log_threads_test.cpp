@@ -1,0 +1,213 @@
+// The log with its thread, on a real disk.
+#include <gtest/gtest.h>
+
+#include <atomic>
+#include <chrono>
+#include <random>
+#include <thread>
+
+#include "support/FakeClock.h"
+#include "support/FileLog.h"
+#include "support/LogRig.h"
+
+using namespace Dravel;
+using namespace Dravel::Test;
+namespace fs = std::filesystem;
+
+namespace {
+
+#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+constexpr int kLinesEach = 4000;
+#else
+constexpr int kLinesEach = 20000;
+#endif
+
+// May be set while others read it.
+struct SharedClock final : IClock {
+    std::atomic<std::int64_t> now = 1612051200;  // 2021-01-31 00:00:00
+    FakeClock At() const {
+        FakeClock clock;
+        clock.now = now;
+        return clock;
+    }
+    std::int64_t Now() const override { return now; }
+    CivilTime LocalNow() const override { return At().LocalNow(); }
+    std::int32_t ZoneOffset(std::int64_t) const override { return 0; }
+    void Sleep(std::uint32_t) const override {}
+};
+
+// Each write takes its time; refuses while `broken`.
+struct SlowFiles final : IFiles {
+    struct File final : IFile {
+        File(SlowFiles& disk, std::unique_ptr<IFile> real) : files(disk), file(std::move(real)) {}
+        FileStatus Read(void* into, std::size_t n, std::size_t& got) override {
+            return file->Read(into, n, got);
+        }
+        FileStatus Write(const void* bytes, std::size_t n) override {
+            std::this_thread::sleep_for(std::chrono::milliseconds(files.delay));
+            if (files.broken) return {FileFault::Full, 0};
+            return file->Write(bytes, n);
+        }
+        FileStatus Flush() override { return file->Flush(); }
+        FileStatus Seek(std::uint64_t at) override { return file->Seek(at); }
+        FileStatus Size(std::uint64_t& n) override { return file->Size(n); }
+        FileStatus Close() override { return file->Close(); }
+        SlowFiles& files;
+        std::unique_ptr<IFile> file;
+    };
+    FileStatus Open(const fs::path& path, FileMode mode, FileShare share,
+                    std::unique_ptr<IFile>& file) override {
+        std::unique_ptr<IFile> real;
+        const FileStatus status = disk.Open(path, mode, share, real);
+        if (status) file = std::make_unique<File>(*this, std::move(real));
+        return status;
+    }
+    FileStatus OpenLock(const fs::path& a, std::unique_ptr<IFile>& f) override { return disk.OpenLock(a, f); }
+    FileStatus Rename(const fs::path& a, const fs::path& b) override { return disk.Rename(a, b); }
+    FileStatus Replace(const fs::path& a, const fs::path& b) override { return disk.Replace(a, b); }
+    FileStatus Link(const fs::path& a, const fs::path& b) override { return disk.Link(a, b); }
+    FileStatus Remove(const fs::path& a) override { return disk.Remove(a); }
+    FileStatus Info(const fs::path& a, FileInfo& i) override { return disk.Info(a, i); }
+    FileStatus MakeFolders(const fs::path& a) override { return disk.MakeFolders(a); }
+    FileStatus List(const fs::path& a, std::vector<fs::path>& n) override { return disk.List(a, n); }
+
+    IFiles& disk = SystemFiles();
+    std::atomic<int> delay = 0;
+    std::atomic<bool> broken = false;
+};
+
+struct ThreadsLog : ::testing::Test {
+    fs::path root = fs::temp_directory_path() / ("dravel-log-" + std::to_string(std::random_device()()));
+    SharedClock clock;
+    SlowFiles files;
+    CFileLog log{files, clock, root / "Log"};
+
+    ~ThreadsLog() override {
+        log.Stop();
+        fs::remove_all(root);
+    }
+    std::map<std::string, std::string> Logs() { return ReadLogs(SystemFiles(), root / "Log"); }
+    bool Eventually(const std::function<bool()>& holds) {
+        for (int i = 0; i < 1000 && !holds(); ++i)
+            std::this_thread::sleep_for(std::chrono::milliseconds(5));
+        return holds();
+    }
+    std::int64_t MillisecondsToStop() {
+        const auto begin = std::chrono::steady_clock::now();
+        log.Stop();
+        return std::chrono::duration_cast<std::chrono::milliseconds>(std::chrono::steady_clock::now() - begin)
+            .count();
+    }
+};
+
+}  // namespace
+
+// Eight threads, two midnights, one of them a month's end: every line is there once, each thread's in order,
+// on the day of its stamp.
+TEST_F(ThreadsLog, NothingIsLostAcrossMidnights) {
+    constexpr int kThreads = 8;
+    log.Start();
+    std::atomic<int> written = 0;
+    std::vector<std::thread> writers;
+    for (int t = 0; t < kThreads; ++t) {
+        writers.emplace_back([&, t] {
+            const std::string context = "T" + std::to_string(t);
+            for (int i = 0; i < kLinesEach; ++i) {
+                while (log.Waiting() > kLogQueue / 2)
+                    std::this_thread::yield();
+                log.Line(i % 10 ? LogLevel::Info : LogLevel::Error, context, std::to_string(i));
+                ++written;
+            }
+        });
+    }
+    for (const int part : {1, 2}) {
+        while (written < kThreads * kLinesEach * part / 3)
+            std::this_thread::yield();
+        clock.now += 86400;
+    }
+    for (std::thread& writer : writers)
+        writer.join();
+    const auto archives = [&] {
+        return fs::exists(root / "Log" / "Dravel_202101.zip") &&
+               fs::exists(root / "Log" / "Dravel_202102.zip") &&
+               !fs::exists(root / "Log" / "Dravel_20210201.log");
+    };
+    EXPECT_TRUE(Eventually(archives));
+    EXPECT_LT(MillisecondsToStop(), 2000);
+
+    const auto logs = Logs();
+    std::vector<int> next(kThreads, 0);
+    for (const char* day : {"20210131", "20210201", "20210202"}) {
+        const auto found = logs.find("Dravel_" + std::string(day) + ".log");
+        ASSERT_NE(found, logs.end()) << day;
+        const std::string& text = found->second;
+        EXPECT_GT(text.size(), 10000u) << day;
+        for (std::size_t at = 0, end; (end = text.find("\r\n", at)) != text.npos; at = end + 2) {
+            const std::string_view line = std::string_view(text).substr(at, end - at);
+            ASSERT_TRUE(line.starts_with(day)) << line;
+            const std::size_t thread = line.find(" T") + 2;
+            const int t = line[thread] - '0';
+            ASSERT_EQ(line.substr(thread + 3), std::to_string(next.at(static_cast<std::size_t>(t))++))
+                << line;
+        }
+    }
+    EXPECT_EQ(next, std::vector<int>(kThreads, kLinesEach));
+}
+
+TEST_F(ThreadsLog, ANewDayBeginsThoughNothingIsSaid) {
+    clock.now += 86399;
+    log.Start();
+    EXPECT_TRUE(Eventually([&] { return fs::exists(root / "Log" / "Dravel_20210131.log"); }));
+    ++clock.now;
+    EXPECT_TRUE(Eventually([&] { return fs::exists(root / "Log" / "Dravel_202101.zip"); }));
+    EXPECT_TRUE(fs::exists(root / "Log" / "Dravel_20210201.log"));
+}
+
+// A disk so slow that the queue overflows: errors all arrive, information is dropped and counted, closing
+// does not wait for the rest.
+TEST_F(ThreadsLog, ClosingIsShortAndErrorsArrive) {
+    files.delay = 100;
+    log.Start();
+    const std::string text(1000, 'x');
+    const auto begin = std::chrono::steady_clock::now();
+    for (int i = 0; i < 6000; ++i)
+        log.Line(i % 100 ? LogLevel::Info : LogLevel::Error, "Test", text);
+    EXPECT_LT(std::chrono::steady_clock::now() - begin, std::chrono::seconds(7)) << "the writer was held up";
+    EXPECT_LT(MillisecondsToStop(), 2000);
+    const std::string all = Logs()["Dravel_20210131.log"];
+    EXPECT_EQ(Count(all, " ERROR "), 60u);
+    const std::size_t informed = Count(all, " INFO ");
+    EXPECT_LT(informed, 5940u);
+    EXPECT_TRUE(all.ends_with(std::to_string(5940 - informed) + " lines were left out.\r\n"));
+}
+
+TEST_F(ThreadsLog, ADiskThatComesBackGetsWhatWaited) {
+    files.broken = true;
+    log.Start();
+    log.Line(LogLevel::Error, "Test", "first");
+    std::this_thread::sleep_for(std::chrono::milliseconds(50));
+    EXPECT_LT(MillisecondsToStop(), 2000);
+    log.Start();
+    log.Line(LogLevel::Error, "Test", "second");
+    files.broken = false;
+    EXPECT_TRUE(Eventually([&] { return Count(Logs()["Dravel_20210131.log"], "ERROR") == 2; }));
+    log.Stop();
+    log.Line(LogLevel::Info, "Test", "behind the end");
+    EXPECT_EQ(Count(Logs()["Dravel_20210131.log"], "Test: behind the end"), 1u);
+}
+
+// Writers and stops in every order: what was said is there.
+TEST_F(ThreadsLog, NothingIsLostOverManyStartsAndStops) {
+    std::atomic<bool> done = false;
+    std::thread writer([&] {
+        for (int i = 0; i < 2000; ++i)
+            log.Line(LogLevel::Info, "Test", "line");
+        done = true;
+    });
+    while (!done) {
+        log.Start();
+        log.Stop();
+    }
+    writer.join();
+    EXPECT_EQ(Count(Logs()["Dravel_20210131.log"], "Test: line"), 2000u);
+}
