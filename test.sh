@@ -73,10 +73,12 @@ suite "threads, TSan" build/linux-tsan/dravel_tests '--gtest_filter=Threads*'
 build windows-checked all
 check "the library exports four names" exports build/windows-checked/Dravel64R.dll
 check "the library needs only the system" imports build/windows-checked/Dravel64R.dll
+check "the library says what it is" tests/library-file.sh build/windows-checked/Dravel64R.dll
 
 trap stop_wine EXIT
 start_xvfb && start_wine "$PWD/build/wine" desktop
 suite "core, checked, under Wine" wine build/windows-checked/dravel_tests.exe
+check "a crash leaves a minidump" tests/crash-dumps.sh build/windows-checked
 for script in tests/gui/*.script; do
   check "window: $(basename "$script" .script)" tests/gui/run-script.sh build/windows-checked "$script"
 done

@@ -14,5 +14,5 @@ install_missing() {
 
 PACKAGES_BUILD=(cmake ninja-build ccache g++ zlib1g-dev g++-mingw-w64-x86-64-posix libz-mingw-w64-dev googletest)
 PACKAGES_WINE=(wine wine64 fonts-wine fonts-liberation xvfb xdotool)
-PACKAGES_TEST=(clang-format strace binutils)
+PACKAGES_TEST=(clang-format strace binutils file)
 PACKAGES_FUZZ=(clang-14)

@@ -3,6 +3,8 @@
 #include <commctrl.h>
 
 #include <algorithm>
+#include <numeric>
+#include <utility>
 
 #include "toolkit/ActivationContext.h"
 #include "toolkit/AnsiText.h"
@@ -75,6 +77,7 @@ int StatusLine::Height() const {
 void StatusLine::Place(const Rect& place) {
     SetWindowPos(Handle(window_), nullptr, place.left, place.top, place.Width(), place.Height(),
                  SWP_NOZORDER | SWP_NOACTIVATE);
+    LayOut();
 }
 
 void StatusLine::SetTexts(std::span<const std::string> texts) {
@@ -99,12 +102,19 @@ void StatusLine::SetTexts(std::span<const std::string> texts) {
         SendMessageW(Handle(window_), SB_SETTEXTW, part, reinterpret_cast<LPARAM>(texts_[part].c_str()));
 }
 
+// Where there is no room for all, parts give way from the second on: the last one tells what just happened.
 void StatusLine::LayOut() {
-    std::vector<int> rights;
-    int right = 0;
+    if (widths_.empty()) return;
+    std::vector<int> taken;
     for (const int width : widths_)
-        rights.push_back(right += width == 0 ? 0 : width + 2 * Scale(kBeside, DpiOf(window_)));
-    if (rights.empty()) return;
+        taken.push_back(width == 0 ? 0 : width + 2 * Scale(kBeside, DpiOf(window_)));
+    RECT client{};
+    GetClientRect(Handle(window_), &client);
+    int lacking = std::accumulate(taken.begin(), taken.end(), 0) - static_cast<int>(client.right);
+    for (std::size_t part = 1; client.right > 0 && lacking > 0 && part + 1 < taken.size(); ++part)
+        lacking -= std::exchange(taken[part], 0);
+    std::vector<int> rights(taken.size());
+    std::partial_sum(taken.begin(), taken.end(), rights.begin());
     rights.back() = -1;
     SendMessageW(Handle(window_), SB_SETPARTS, rights.size(), reinterpret_cast<LPARAM>(rights.data()));
 }
