@@ -60,7 +60,7 @@ imports() {
     grep -vxE '(KERNEL32|USER32|GDI32|COMCTL32|SHELL32|OLE32|ADVAPI32|MSVCRT|SHLWAPI|UXTHEME)\.DLL'
 }
 
-install_missing "${PACKAGES_BUILD[@]}" "${PACKAGES_WINE[@]}" "${PACKAGES_TEST[@]}" || { echo "$passed passed, $((failed + 1)) failed"; exit 1; }
+install_missing "${PACKAGES_BUILD[@]}" "${PACKAGES_WINE[@]}" "${PACKAGES_TEST[@]}" "${PACKAGES_PACKAGE[@]}" || { echo "$passed passed, $((failed + 1)) failed"; exit 1; }
 
 check "sources are formatted" formatted
 
@@ -82,6 +82,7 @@ check "a crash leaves a minidump" tests/crash-dumps.sh build/windows-checked
 for script in tests/gui/*.script; do
   check "window: $(basename "$script" .script)" tests/gui/run-script.sh build/windows-checked "$script"
 done
+check "package: install, update, refuse, uninstall, unzip" packaging/test-package.sh build/windows-checked
 
 echo "$passed passed, $failed failed"
 [ "$failed" -eq 0 ] && [ "$passed" -gt 0 ]

@@ -16,3 +16,4 @@ PACKAGES_BUILD=(cmake ninja-build ccache g++ zlib1g-dev g++-mingw-w64-x86-64-pos
 PACKAGES_WINE=(wine wine64 fonts-wine fonts-liberation xvfb xdotool)
 PACKAGES_TEST=(clang-format strace binutils file)
 PACKAGES_FUZZ=(clang-14)
+PACKAGES_PACKAGE=(nsis zip unzip cmark-gfm)
