@@ -3,12 +3,25 @@
 
 #include <charconv>
 #include <cmath>
+#include <utility>
 
 namespace Dravel {
 namespace {
 
 constexpr bool IsDigit(char c) {
     return c >= '0' && c <= '9';
+}
+
+constexpr std::size_t kShortNumber = 9;  // characters: any so many digits are a 32-bit number
+
+// Digits, and with `point` at most one point among them, few enough for any number to hold: nearly every
+// number of a file, told without reading it.
+bool IsShortNumber(std::string_view text, bool point) {
+    if (text.empty() || text.size() > kShortNumber || !IsDigit(text.front())) return false;
+    for (const char c : text) {
+        if (!IsDigit(c) && (c != '.' || !std::exchange(point, false))) return false;
+    }
+    return true;
 }
 
 std::string_view SkipBlanks(std::string_view text) {
@@ -68,6 +81,7 @@ double ReadDouble(std::string_view text) {
 }
 
 bool IsUnsigned(std::string_view text) {
+    if (IsShortNumber(text, false)) return true;
     text = SkipBlanks(text);
     if (TakeSign(text) || text.empty() || !IsDigit(text.front())) return false;
     std::uint32_t value = 0;
@@ -77,6 +91,7 @@ bool IsUnsigned(std::string_view text) {
 }
 
 bool IsDouble(std::string_view text) {
+    if (IsShortNumber(text, true)) return true;
     text = SkipBlanks(text);
     TakeSign(text);
     if (text.empty() || (!IsDigit(text.front()) && text.front() != '.')) return false;

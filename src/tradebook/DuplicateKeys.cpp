@@ -57,7 +57,7 @@ TradeStore::Slot DuplicateKeys::Find(const TradeRecord& record) const {
 }
 
 void DuplicateKeys::Enter(TradeStore::Slot slot) {
-    if (2 * (used_ + 1) > table_.size()) Resize(std::max(kSmallest, 2 * table_.size()));
+    if (4 * (used_ + 1) > 3 * table_.size()) Resize(std::max(kSmallest, 2 * table_.size()));
     const Key key(store_[slot].record);
     const std::uint32_t hash = key.Hash();
     Entry& entry = table_[PlaceOf(hash, key)];
@@ -114,7 +114,7 @@ void DuplicateKeys::Clear() {
 }
 
 void DuplicateKeys::Reserve(std::size_t trades) {
-    const std::size_t places = std::bit_ceil(std::max(kSmallest, 2 * (trades + 1)));
+    const std::size_t places = std::bit_ceil(std::max(kSmallest, (trades + 1) * 4 / 3 + 1));
     if (places > table_.size()) Resize(places);
 }
 

@@ -55,7 +55,7 @@ class DuplicateKeys {
 
     static constexpr std::size_t kSmallest = 64;
     const TradeStore& store_;
-    std::vector<Entry> table_;  // its size is a power of two, at most half of it is used
+    std::vector<Entry> table_;  // its size is a power of two, at most three quarters of it are used
     std::size_t used_ = 0;
     std::unordered_map<TradeStore::Slot, Neighbours> shared_;  // trades that share their key
 };
