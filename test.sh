@@ -21,22 +21,27 @@ check() {
   fi
 }
 
-# suite NAME COMMAND...: a GoogleTest program; each of its tests counts.
-suite() {
+# suite NAME COMMAND...: a GoogleTest program; each of its tests counts. begin starts it beside what follows, end waits for it.
+declare -A begun
+begin() {
   local name=$1 log="build/logs/${1//[^A-Za-z0-9_.-]/_}.log"; shift
-  local began=$SECONDS ok bad
-  "$@" >"$log" 2>&1
-  local code=$?
+  ( from=$SECONDS; "$@" >"$log" 2>&1; echo "$? $((SECONDS - from))" >"$log.end" ) &
+  begun[$name]=$!
+}
+end() {
+  local name=$1 log="build/logs/${1//[^A-Za-z0-9_.-]/_}.log" code took ok bad
+  wait "${begun[$name]}"
+  read -r code took <"$log.end"
   ok=$(tr -d '\r' <"$log" | sed -n 's/^\[  PASSED  \] \([0-9]*\) tests\{0,1\}\..*/\1/p' | tail -n 1)
   bad=$(tr -d '\r' <"$log" | sed -n 's/^ *\([0-9]*\) FAILED TESTS\{0,1\}$/\1/p' | tail -n 1)
   # A crash leaves no closing line: that is a failure, whatever the exit code says.
-  if [ -z "$ok" ] || { [ $code -ne 0 ] && [ -z "$bad" ]; }; then bad=$((${bad:-0} + 1)); fi
+  if [ -z "$ok" ] || { [ "$code" -ne 0 ] && [ -z "$bad" ]; }; then bad=$((${bad:-0} + 1)); fi
   if [ "${ok:-0}" -eq 0 ] && [ -z "$bad" ]; then bad=1; fi
   passed=$((passed + ${ok:-0})); failed=$((failed + ${bad:-0}))
-  printf '%-7s %-52s %4d s  %s passed, %s failed\n' "$([ -z "$bad" ] && echo ok || echo FAILED)" "$name" \
-    $((SECONDS - began)) "${ok:-0}" "${bad:-0}"
+  printf '%-7s %-52s %4d s  %s passed, %s failed\n' "$([ -z "$bad" ] && echo ok || echo FAILED)" "$name" "$took" "${ok:-0}" "${bad:-0}"
   if [ -n "$bad" ]; then grep -aE '^\[  FAILED|Failure|error|ERROR|WARNING: ThreadSanitizer' "$log" | head -n 30 | sed 's/^/    /'; tail -n 15 "$log" | sed 's/^/    /'; fi
 }
+suite() { begin "$@"; end "$1"; }
 
 # build PRESET TARGET...: configures once, then builds; a failure ends the run.
 build() {
@@ -65,12 +70,13 @@ install_missing "${PACKAGES_BUILD[@]}" "${PACKAGES_WINE[@]}" "${PACKAGES_TEST[@]
 check "sources are formatted" formatted
 
 build linux-asan dravel_tests
-suite "core, ASan and UBSan" build/linux-asan/dravel_tests
+begin "core, ASan and UBSan" build/linux-asan/dravel_tests
 
 build linux-tsan dravel_tests
 suite "threads, TSan" build/linux-tsan/dravel_tests '--gtest_filter=Threads*'
 
 build windows-checked all
+end "core, ASan and UBSan"
 check "the library exports four names" exports build/windows-checked/Dravel64R.dll
 check "the library needs only the system" imports build/windows-checked/Dravel64R.dll
 check "the library says what it is" tests/library-file.sh build/windows-checked/Dravel64R.dll

@@ -25,8 +25,8 @@ class DuplicateKeys {
     // removed.
     explicit DuplicateKeys(const TradeStore& store) : store_(store) {}
 
-    // A trade that holds the record's key, the first that entered with it while that one is there; kNone: none
-    // does.
+    // A trade that holds the record's key, the first that entered with it while that one is there; kNone:
+    // none does.
     TradeStore::Slot Find(const TradeRecord& record) const;
     // A slot is entered at most once; one that was not entered is not removed.
     void Enter(TradeStore::Slot slot);
