@@ -20,10 +20,8 @@ struct FuzzTarget {
 };
 // One line for each fuzz/*_fuzz.cpp.
 const FuzzTarget kTargets[] = {
-    {"csv_line_fuzz", Dravel::Fuzz::FuzzCsvLine},
-    {"format_set_fuzz", Dravel::Fuzz::FuzzFormatSet},
-    {"frame_fuzz", Dravel::Fuzz::FuzzFrame},
-    {"record_file_fuzz", Dravel::Fuzz::FuzzRecordFile},
+    {"csv_line_fuzz", Dravel::Fuzz::FuzzCsvLine},  {"format_set_fuzz", Dravel::Fuzz::FuzzFormatSet},
+    {"frame_fuzz", Dravel::Fuzz::FuzzFrame},       {"record_file_fuzz", Dravel::Fuzz::FuzzRecordFile},
     {"settings_fuzz", Dravel::Fuzz::FuzzSettings},
 };
 
