@@ -10,8 +10,18 @@
 
 namespace Dravel {
 
+constexpr bool IsBlank(char c) {
+    return c == ' ' || c == '\t';
+}
+
 // Without the blanks and tabs at both ends.
-std::string_view Trimmed(std::string_view text);
+constexpr std::string_view Trimmed(std::string_view text) {
+    while (!text.empty() && IsBlank(text.front()))
+        text.remove_prefix(1);
+    while (!text.empty() && IsBlank(text.back()))
+        text.remove_suffix(1);
+    return text;
+}
 
 // Without a UTF-8 byte-order mark at the front. Bytes are otherwise never recoded.
 std::string_view WithoutByteOrderMark(std::string_view text);
