@@ -106,6 +106,7 @@ LRESULT CALLBACK FrameWindow::FrameProcedure(HWND window, UINT message, WPARAM w
 }
 
 LRESULT FrameWindow::Handle(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
+    if (message == logMessage_) return PluginLogged(wParam), 0;
     switch (message) {
         case WM_CREATE:
             CreateChildren(window);
@@ -136,6 +137,11 @@ LRESULT FrameWindow::Handle(HWND window, UINT message, WPARAM wParam, LPARAM lPa
             break;
     }
     return DefWindowProcW(window, message, wParam, lParam);
+}
+
+// The plug-in wrote a warning or an error to its log.
+void FrameWindow::PluginLogged(WPARAM level) {
+    terminal_.Log().Add(EntryKind::Note, 0, "KRV_MSG_LOG, level " + NumberText(std::uint64_t{level}));
 }
 
 // Whoever had the keyboard within the frame gets it back after a dialog or another program.

@@ -46,6 +46,7 @@ class FrameWindow {
     LRESULT Handle(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
     LRESULT HandleDesk(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
     void CreateChildren(HWND window);
+    void PluginLogged(WPARAM level);
     void KeepFocus(bool leaving);
     void LayFrame();
     void LayDesk();
@@ -60,6 +61,7 @@ class FrameWindow {
     void ShowDetails(int index);
 
     Terminal& terminal_;
+    const UINT logMessage_ = RegisterWindowMessageW(L"KRV_MSG_LOG");
     HWND window_ = nullptr, desk_ = nullptr, contracts_ = nullptr, messages_ = nullptr, details_ = nullptr;
     HWND status_ = nullptr;
     HWND lastFocus_ = nullptr;
