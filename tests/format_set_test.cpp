@@ -103,6 +103,18 @@ TEST(FormatSets, ApplyingPartsDefaultsAndTakesTheExpiryPatternAlone) {
     EXPECT_FALSE(MappingOf(FormatSet{}).NamesFields());
 }
 
+TEST(FormatSets, ASetThatWouldRefuseEveryFileIsTold) {
+    FormatSet set;
+    EXPECT_TRUE(TakesFiles(set));
+    set.rows[12].field = "Scrip";
+    EXPECT_FALSE(TakesFiles(set));
+    set.header = false;
+    EXPECT_TRUE(TakesFiles(set));
+    set.header = true;
+    set.rows[16].field = "Client";
+    EXPECT_TRUE(TakesFiles(set));
+}
+
 TEST(FormatSets, ValuesThatWouldBreakTheFileAreFound) {
     EXPECT_EQ(UnwritableValue(SampleSet()), nullptr);
     std::string FormatSet::*const texts[] = {&FormatSet::fileNameFormat, &FormatSet::filePath};

@@ -115,6 +115,10 @@ const std::string* UnwritableValue(const FormatSet& set) {
     return nullptr;
 }
 
+bool TakesFiles(const FormatSet& set) {
+    return !set.header || !set.rows[kClientID].field.empty() || !MappingOf(set).NamesFields();
+}
+
 ImportMapping MappingOf(const FormatSet& set) {
     ImportMapping mapping;
     mapping.header = set.header;

@@ -46,6 +46,9 @@ std::string FormatSetText(const FormatSet& set, ColumnTexts titles);
 // The first value that would break the file, because it holds a comma or a line end; nullptr: none.
 const std::string* UnwritableValue(const FormatSet& set);
 
+// False: every file is refused, because the set matches header names and gives the client's none.
+bool TakesFiles(const FormatSet& set);
+
 // A default value with a "*" anywhere loses its first character, whatever that is: deliberate.
 ImportMapping MappingOf(const FormatSet& set);
 

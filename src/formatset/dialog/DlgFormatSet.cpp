@@ -293,7 +293,8 @@ bool CDlgFormatSet::Store(const fs::path& name, const FormatSet& set) {
     result_ = current_ = name;
     saved_ = set;
     List();
-    Say(std::string("Format set ").append(Quoted(name)) + " saved");
+    Say(std::string("Format set ").append(Quoted(name)) + " saved" +
+        (TakesFiles(set) ? "" : "; without a field for ClientID it refuses every file"));
     return true;
 }
 
