@@ -3,7 +3,7 @@
 #include <chrono>
 #include <mutex>
 #include <string>
-#include <system_error>
+#include <thread>
 
 namespace KRV::Base {
 
@@ -27,11 +27,10 @@ CKRVADAWriteAsync::~CKRVADAWriteAsync() {
     Stop();
 }
 
-bool CKRVADAWriteAsync::StartThread() try {
-    thread_ = std::thread([this] { Work(); });
-    return true;
-} catch (const std::system_error& error) {
-    log_.Line(LogLevel::Error, kContext, "Faild to start thread:" + std::to_string(error.code().value()));
+bool CKRVADAWriteAsync::StartThread() {
+    if (thread_.Start([this] { Work(); })) return true;
+    log_.Line(LogLevel::Error, kContext,
+              "Faild to start thread:" + std::to_string(Thread::LastSystemError()));
     return false;
 }
 
@@ -50,7 +49,7 @@ void CKRVADAWriteAsync::Stop() {
         running_ = false;
     }
     event_.Set();
-    if (thread_.joinable()) thread_.join();
+    if (thread_.Runs()) thread_.Join();
     while (IADAItem* item = Take()) {
         CarryOut(*item);
     }

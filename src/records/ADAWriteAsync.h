@@ -3,10 +3,10 @@
 
 #include <cstdint>
 #include <deque>
-#include <thread>
 
 #include "platform/Event.h"
 #include "platform/Lock.h"
+#include "platform/Thread.h"
 #include "records/ADAStore.h"
 #include "support/Log.h"
 
@@ -39,7 +39,7 @@ class CKRVADAWriteAsync {
     Dravel::ILog& log_;
     Thread::CKRVLock lock_;  // guards the queue and both flags
     Thread::CKRVEvent event_;
-    std::thread thread_;
+    Thread::CKRVThread thread_;
     bool running_ = false;
     std::deque<IADAItem*> queue_;
     bool itemsRemain_ = false;

@@ -1,5 +1,6 @@
 #include "platform/Thread.h"
 
+#include <cerrno>
 #include <system_error>
 #include <thread>
 #include <utility>
@@ -16,7 +17,8 @@ CKRVThread::~CKRVThread() = default;
 bool CKRVThread::Start(std::function<void()> work) try {
     impl_->thread = std::thread(std::move(work));
     return true;
-} catch (const std::system_error&) {
+} catch (const std::system_error& error) {
+    errno = error.code().value();
     return false;
 }
 
