@@ -1,4 +1,5 @@
-// The toolkit's message box: the system's, and one of our own where a check box or own buttons are asked for.
+// The toolkit's message box: the system's, and one of our own where a check box or own buttons are asked for,
+// or where the text is so long that it must be scrolled through.
 #pragma once
 
 #include <cstdint>

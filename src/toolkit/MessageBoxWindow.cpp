@@ -1,6 +1,7 @@
 #include <windows.h>
 
 #include <algorithm>
+#include <cwchar>
 #include <span>
 #include <string>
 
@@ -18,7 +19,8 @@ constexpr std::uint32_t kRightAligned = 0x80000;
 constexpr int kTextItem = 2001, kIconItem = 2002, kCheckItem = 2003;
 // Sizes at 96 dpi.
 constexpr int kMargin = 14, kGap = 10, kIconSize = 32, kTextWidth = 420, kButtonWidth = 84,
-              kButtonHeight = 26, kButtonGap = 8;
+              kButtonHeight = 26, kButtonGap = 8, kTextHeight = 260;
+constexpr std::size_t kLongText = 1500;  // characters: what is longer is scrolled through
 
 struct Button {
     std::uint16_t id;
@@ -76,10 +78,22 @@ HICON IconOf(const KRVP_MSGBOXPARAMS& params) {
     return name == nullptr ? nullptr : LoadIconW(static_cast<HINSTANCE>(params.instance), name);
 }
 
+bool IsLong(const KRVP_MSGBOXPARAMS& params) {
+    return std::wcslen(OrEmpty(params.text)) > kLongText;
+}
+
+// As a field wants them.
+std::wstring WithCarriageReturns(std::wstring_view text) {
+    std::wstring result;
+    for (const wchar_t c : text)
+        result.append(c == L'\n' ? L"\r\n" : std::wstring(1, c));
+    return result;
+}
+
 // The box of our own: icon, text, check box, buttons.
 class Box : public DialogBase {
  public:
-    explicit Box(const KRVP_MSGBOXPARAMS& params) : params_(params) {
+    explicit Box(const KRVP_MSGBOXPARAMS& params) : params_(params), scrolls_(IsLong(params)) {
         if (HasOwnButtons(params)) {
             set_ = {2, {{kOwnButtonFirst, params.ownCaptions[0]}, {kOwnButtonSecond, params.ownCaptions[1]}}};
         } else {
@@ -95,10 +109,19 @@ class Box : public DialogBase {
                    .id = kIconItem,
                    .style = SS_ICON | style::Hidden});
         const std::uint32_t align = (params_.style & kRightAligned) != 0 ? SS_RIGHT : SS_LEFT;
-        shape.Add({.control = DialogControl::Static,
-                   .text = OrEmpty(params_.text),
-                   .id = kTextItem,
-                   .style = align | SS_NOPREFIX | SS_EDITCONTROL});
+        const std::wstring longText = scrolls_ ? WithCarriageReturns(params_.text) : std::wstring();
+        if (scrolls_) {
+            shape.Add({.control = DialogControl::Edit,
+                       .text = longText.c_str(),
+                       .id = kTextItem,
+                       .style = align | style::EditMultiline | style::EditReadOnly | style::VScroll |
+                                style::Border | style::TabStop});
+        } else {
+            shape.Add({.control = DialogControl::Static,
+                       .text = OrEmpty(params_.text),
+                       .id = kTextItem,
+                       .style = align | SS_NOPREFIX | SS_EDITCONTROL});
+        }
         if (params_.remember != 0) {
             shape.Add({.control = DialogControl::Button,
                        .text = OrEmpty(params_.checkText),
@@ -152,6 +175,7 @@ class Box : public DialogBase {
     void Resize(int width, int height) const;
 
     const KRVP_MSGBOXPARAMS& params_;
+    const bool scrolls_;  // a text that would not fit on the screen
     ButtonSet set_{};
     int default_ = 0;
 };
@@ -183,7 +207,8 @@ void Box::OnInit() {
     const int margin = Pixels(kMargin), gap = Pixels(kGap),
               iconSize = icon == nullptr ? 0 : Pixels(kIconSize);
     const int left = margin + (icon == nullptr ? 0 : iconSize + gap);
-    const SIZE text = Measure(kTextItem, Pixels(kTextWidth));
+    const SIZE text =
+        scrolls_ ? SIZE{Pixels(kTextWidth), Pixels(kTextHeight)} : Measure(kTextItem, Pixels(kTextWidth));
     const SIZE check = params_.remember != 0 ? Measure(kCheckItem, Pixels(kTextWidth)) : SIZE{};
     const int checkWidth = params_.remember != 0 ? static_cast<int>(check.cx) + Pixels(26) : 0;
     const int buttons = set_.count * Pixels(kButtonWidth) + (set_.count - 1) * Pixels(kButtonGap);
@@ -241,6 +266,6 @@ std::uint32_t SystemBox(void* owner, const KRVP_MSGBOXPARAMS& params) {
 }  // namespace
 
 std::uint32_t KRVPMessageBoxIndirect(void* owner, const KRVP_MSGBOXPARAMS& params) {
-    if (params.remember == 0 && !HasOwnButtons(params)) return SystemBox(owner, params);
+    if (params.remember == 0 && !HasOwnButtons(params) && !IsLong(params)) return SystemBox(owner, params);
     return Box(params).Show(owner);
 }

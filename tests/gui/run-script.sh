@@ -31,6 +31,10 @@ esac
 case $(basename "$script") in import-cancel*)
   wine "$build/make_trades.exe" --csv "$(winepath -w "$stage/samples/many.csv")" --trades 300000 --duplicates 40 ;;
 esac
+case $(basename "$script") in many-clients*)
+  seq 3000 | awk 'BEGIN { print "clientid,exchange,securitytype,symbol,exchangetradeid,side,quantity,price" }
+    { print "C" $1 ",XNSE,EQ,ARYASTEEL,T" $1 ",Buy,100,1.5" }' > "$stage/samples/many-clients.csv" ;;
+esac
 set +e
 timeout "${SCRIPT_TIMEOUT:-300}" wine "$stage/VELTSHost.exe" --script "$script" --out "$stage/out"
 code=$?
