@@ -63,15 +63,6 @@ DialogTemplate Shape() {
     return shape;
 }
 
-void AddColumn(HWND list, int index, const wchar_t* title, int width) {
-    std::wstring text = title;
-    LVCOLUMNW column{};
-    column.mask = LVCF_TEXT | LVCF_WIDTH;
-    column.cx = width;
-    column.pszText = text.data();
-    SendMessageW(list, LVM_INSERTCOLUMNW, static_cast<WPARAM>(index), reinterpret_cast<LPARAM>(&column));
-}
-
 // Keeps a window from being used, and closed, while something else asks the user.
 class Disabled {
  public:
@@ -122,9 +113,9 @@ void DlgImportReport::OnInit() {
     MapUnits(line, unused);
     MapUnits(reason, unused);
     MapUnits(text, unused);
-    AddColumn(list, kLine, L"Line", line);
-    AddColumn(list, kReason, L"Reason", reason);
-    AddColumn(list, kText, L"Text", text - line - reason);
+    AddColumn(kList, kLine, L"Line", line);
+    AddColumn(kList, kReason, L"Reason", reason);
+    AddColumn(kList, kText, L"Text", text - line - reason);
     ShowReport();
     SetFocus(list);
 }

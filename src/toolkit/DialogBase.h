@@ -59,6 +59,8 @@ class DialogBase {
     void AddString(int id, std::wstring_view text);
     int Selected(int id) const;  // -1: none
     void Select(int id, int index);
+    // List with columns; `width` in pixels.
+    void AddColumn(int id, int index, const wchar_t* title, int width);
     // Progress bar: 0 to 1000.
     void SetProgress(int id, int permille);
     // Pixels of a rectangle in dialog units.

@@ -221,6 +221,16 @@ void DialogBase::Select(int id, int index) {
     SendMessageW(Handle(Item(id)), CB_SETCURSEL, static_cast<WPARAM>(index), 0);
 }
 
+void DialogBase::AddColumn(int id, int index, const wchar_t* title, int width) {
+    std::wstring text = title;
+    LVCOLUMNW column{};
+    column.mask = LVCF_TEXT | LVCF_WIDTH;
+    column.cx = width;
+    column.pszText = text.data();
+    SendMessageW(Handle(Item(id)), LVM_INSERTCOLUMNW, static_cast<WPARAM>(index),
+                 reinterpret_cast<LPARAM>(&column));
+}
+
 void DialogBase::SetProgress(int id, int permille) {
     const HWND item = Handle(Item(id));
     SendMessageW(item, PBM_SETRANGE32, 0, kProgressRange);

@@ -8,6 +8,7 @@
 #include "toolkit/AnsiText.h"
 #include "toolkit/Geometry.h"
 #include "toolkit/Module.h"
+#include "toolkit/win32/BufferedPaint.h"
 #include "toolkit/win32/GridColours.h"
 #include "toolkit/win32/GridDropList.h"
 #include "toolkit/win32/WindowBinding.h"
@@ -209,12 +210,10 @@ std::intptr_t GridDropList::HandleMessage(void* handle, std::uint32_t message, s
 }
 
 void GridDropList::Paint(HDC screen, const RECT& dirty) {
-    RECT client;
-    GetClientRect(window_, &client);
-    const HDC device = CreateCompatibleDC(screen);
-    const HBITMAP bitmap =
-        CreateCompatibleBitmap(screen, std::max<LONG>(client.right, 1), std::max<LONG>(client.bottom, 1));
-    const HGDIOBJ oldBitmap = SelectObject(device, bitmap), oldFont = SelectObject(device, font_);
+    const BufferedPaint buffer(screen, window_);
+    const HDC device = buffer.Device();
+    const RECT& client = buffer.Client();
+    SelectObject(device, font_);
     const GridColours colours;
     SetBkColor(device, colours.window);
     ExtTextOutW(device, 0, 0, ETO_OPAQUE, &client, nullptr, 0, nullptr);
@@ -228,10 +227,5 @@ void GridDropList::Paint(HDC screen, const RECT& dirty) {
                     ETO_OPAQUE | ETO_CLIPPED, &row, text_.data(), static_cast<UINT>(text_.size()), nullptr);
         OffsetRect(&row, 0, rowHeight_);
     }
-    BitBlt(screen, dirty.left, dirty.top, dirty.right - dirty.left, dirty.bottom - dirty.top, device,
-           dirty.left, dirty.top, SRCCOPY);
-    SelectObject(device, oldFont);
-    SelectObject(device, oldBitmap);
-    DeleteObject(bitmap);
-    DeleteDC(device);
+    buffer.Show(dirty);
 }

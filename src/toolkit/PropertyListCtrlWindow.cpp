@@ -1,5 +1,6 @@
 // The window of a property list: its life and its messages.
 #include "toolkit/Module.h"
+#include "toolkit/win32/BufferedPaint.h"
 #include "toolkit/win32/PropertyListState.h"
 #include "toolkit/win32/WindowBinding.h"
 
@@ -23,18 +24,11 @@ void SetScrollBar(HWND window, int rows, int visible, int top) {
 void PaintBuffered(CKRVPPropertyList& list, HWND window) {
     PAINTSTRUCT paint;
     const HDC screen = BeginPaint(window, &paint);
-    RECT client;
-    GetClientRect(window, &client);
-    const HDC device = CreateCompatibleDC(screen);
-    const HBITMAP bitmap =
-        CreateCompatibleBitmap(screen, std::max<LONG>(client.right, 1), std::max<LONG>(client.bottom, 1));
-    const HGDIOBJ oldBitmap = SelectObject(device, bitmap), oldFont = GetCurrentObject(device, OBJ_FONT);
-    PropertyPaint::Paint(list, device);
-    BitBlt(screen, 0, 0, client.right, client.bottom, device, 0, 0, SRCCOPY);
-    SelectObject(device, oldFont);
-    SelectObject(device, oldBitmap);
-    DeleteObject(bitmap);
-    DeleteDC(device);
+    {
+        const BufferedPaint buffer(screen, window);
+        PropertyPaint::Paint(list, buffer.Device());
+        buffer.Show(buffer.Client());
+    }
     EndPaint(window, &paint);
 }
 

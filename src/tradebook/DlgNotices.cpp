@@ -47,8 +47,8 @@ class DlgNotices final : public DialogBase {
         MapUnits(width, unused);
         const HWND list = static_cast<HWND>(Item(kList));
         SendMessageW(list, LVM_SETEXTENDEDLISTVIEWSTYLE, 0, LVS_EX_FULLROWSELECT);
-        AddColumn(list, 0, L"Time", time);
-        AddColumn(list, 1, L"Notice", width - time);
+        AddColumn(kList, 0, L"Time", time);
+        AddColumn(kList, 1, L"Notice", width - time);
         int row = 0;
         for (auto notice = notices_.All().rbegin(); notice != notices_.All().rend(); ++notice, ++row) {
             std::wstring text = Widen(notice->time);
@@ -63,15 +63,6 @@ class DlgNotices final : public DialogBase {
             SendMessageW(list, LVM_SETITEMTEXTW, static_cast<WPARAM>(row), reinterpret_cast<LPARAM>(&item));
         }
         SetFocus(list);
-    }
-
-    static void AddColumn(HWND list, int index, const wchar_t* title, int width) {
-        std::wstring text = title;
-        LVCOLUMNW column{};
-        column.mask = LVCF_TEXT | LVCF_WIDTH;
-        column.cx = width;
-        column.pszText = text.data();
-        SendMessageW(list, LVM_INSERTCOLUMNW, static_cast<WPARAM>(index), reinterpret_cast<LPARAM>(&column));
     }
 
     const NoticeList& notices_;

@@ -4,7 +4,27 @@
 using namespace Dravel;
 using namespace Dravel::Test;
 
-TEST_F(GridWindow, KeysOpenLeaveAndCancelAnEdit) {
+namespace {
+
+class GridEdit : public GridWindow {
+ protected:
+    // The steps of an edit that begins at the third row.
+    void Check(int column, const Case& one) {
+        SetFocus(Window());
+        grid.SetCurrent(3, column);
+        grid.cells.clear();
+        Told();
+        Do(one.steps);
+        EXPECT_EQ(State(), one.state) << one.steps;
+        EXPECT_EQ(Told(), one.told) << one.steps;
+        grid.EndEdit(false);
+        EXPECT_EQ(List(), nullptr) << one.steps;
+    }
+};
+
+}  // namespace
+
+TEST_F(GridEdit, KeysOpenLeaveAndCancelAnEdit) {
     const Case cases[] = {
         {"f2", "3.1 '3.1' 0-3", ""},
         {"type:x", "3.1 'x' 1-1", ""},  // the first character is not lost
@@ -18,23 +38,15 @@ TEST_F(GridWindow, KeysOpenLeaveAndCancelAnEdit) {
         {"f2 type:ab back", "3.1 'a' 1-1", ""},
         {"f2 type:ab ctrl-a", "3.1 'ab' 0-2", ""},
     };
-    for (const Case& one : cases) {
-        SetFocus(Window());
-        grid.SetCurrent(3, 1);
-        grid.cells.clear();
-        Told();
-        Do(one.steps);
-        EXPECT_EQ(State(), one.state) << one.steps;
-        EXPECT_EQ(Told(), one.told) << one.steps;
-        grid.EndEdit(false);
-    }
+    for (const Case& one : cases)
+        Check(1, one);
     grid.SetCurrent(3, 2);
     EXPECT_FALSE(grid.EditCell(3, 2));
     Do("type:x");
     EXPECT_EQ(State(), "3.2");
 }
 
-TEST_F(GridWindow, TypeAheadCompletesAndTheListChooses) {
+TEST_F(GridEdit, TypeAheadCompletesAndTheListChooses) {
     const Case cases[] = {
         {"type:b", "3.0 'Buy' 1-3", ""},
         {"type:bo", "3.0 'Both' 2-4", ""},
@@ -51,20 +63,11 @@ TEST_F(GridWindow, TypeAheadCompletesAndTheListChooses) {
         {"f2 f4 type:bo", "3.0 'Both' 2-4 list", ""},
         {"f2 f4 down away", "3.0", "set 3.0=Buy"},
     };
-    for (const Case& one : cases) {
-        SetFocus(Window());
-        grid.SetCurrent(3, 0);
-        grid.cells.clear();
-        Told();
-        Do(one.steps);
-        EXPECT_EQ(State(), one.state) << one.steps;
-        EXPECT_EQ(Told(), one.told) << one.steps;
-        grid.EndEdit(false);
-        EXPECT_EQ(List(), nullptr) << one.steps;
-    }
+    for (const Case& one : cases)
+        Check(0, one);
 }
 
-TEST_F(GridWindow, ARefusedTextKeepsTheEditor) {
+TEST_F(GridEdit, ARefusedTextKeepsTheEditor) {
     grid.refuse = true;
     grid.SetCurrent(3, 1);
     Do("f2 type:x enter");
@@ -81,7 +84,7 @@ TEST_F(GridWindow, ARefusedTextKeepsTheEditor) {
     EXPECT_EQ(Control(kGridEditorID), nullptr);
 }
 
-TEST_F(GridWindow, AnEditStaysOnItsRow) {
+TEST_F(GridEdit, AnEditStaysOnItsRow) {
     grid.SetCurrent(3, 1);
     Do("f2 type:x");
     grid.rows += 2;
@@ -103,7 +106,7 @@ TEST_F(GridWindow, AnEditStaysOnItsRow) {
     EXPECT_FALSE(grid.Editing());
 }
 
-TEST_F(GridWindow, TheOwnerNamesTheNextCell) {
+TEST_F(GridEdit, TheOwnerNamesTheNextCell) {
     grid.chain = true;
     grid.SetCurrent(3, 1);
     Do("f2 type:x enter");
@@ -113,7 +116,7 @@ TEST_F(GridWindow, TheOwnerNamesTheNextCell) {
     EXPECT_EQ(State(), "3.1 'x' 0-1");
 }
 
-TEST_F(GridWindow, AHundredThousandChoicesAreAList) {
+TEST_F(GridEdit, AHundredThousandChoicesAreAList) {
     grid.choices.clear();
     for (int i = 0; i < 100'000; ++i)
         grid.choices.push_back("MADE" + std::to_string(i));
