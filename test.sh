@@ -88,6 +88,7 @@ check "a crash leaves a minidump" tests/crash-dumps.sh build/windows-checked
 for script in tests/gui/*.script; do
   check "window: $(basename "$script" .script)" tests/gui/run-script.sh build/windows-checked "$script"
 done
+check "the demo's two days" tools/demo/demo.sh build/windows-checked build/windows-checked/demo/stage build/windows-checked/demo/out
 check "package: install, update, refuse, uninstall, unzip" packaging/test-package.sh build/windows-checked
 
 echo "$passed passed, $failed failed"
