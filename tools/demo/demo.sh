@@ -5,12 +5,13 @@ set -euo pipefail
 here=$(cd "$(dirname "$0")/../.." && pwd)
 . "$here/tools/stage.sh"
 build=$1 stage=$2 out=$3
+trades=$stage/samples/trades.csv
 
 rm -rf "$out" "$stage/PLUGINDLLS/Dravel/Dravel"
 mkdir -p "$out" "$stage/PLUGINDLLS/Dravel/Dravel"
 (cd "$here" && lay_stage "$build" "$stage")
 cp "$here/samples/Settings.xml" "$stage/PLUGINDLLS/Dravel/Dravel/"
-(cd "$out" && wine "$here/$build/make_trades.exe" --csv trades.csv --trades 9948 --duplicates 40 --unknown-lines 12 \
+(cd "$stage/samples" && wine "$here/$build/make_trades.exe" --csv trades.csv --trades 9948 --duplicates 40 --unknown-lines 12 \
   --unknown-clients 3 >/dev/null)
 
 day() {  # day SCRIPT: one life of the host
@@ -24,12 +25,12 @@ day first
 data=$stage/PLUGINDLLS/Dravel/Dravel
 skipped=$(cat "$data"/Log/*.log | grep -ac 'Dravel Duplicate TRADEID')
 tr -d '\r' < "$data/CSV/DravelFormateSet/ManualClientId.txt" > "$out/new-clients.txt"
-asked=$(grep -acFf "$out/new-clients.txt" "$out/trades.csv")
+asked=$(grep -acFf "$out/new-clients.txt" "$trades")
 day second
 cmp "$out/first-day.txt" "$out/second-day.txt" || { echo "The book did not come back as it was saved."; exit 1; }
 
 book=$data/Data/DravelBook_Dravel.ada
-lines=$(($(wc -l < "$out/trades.csv") - 1))
+lines=$(($(wc -l < "$trades") - 1))
 imported=$(wc -l < "$out/first-day.txt")
 if [ $((imported + skipped)) -ne "$lines" ] || [ "$(frames first)" -ne "$imported" ]; then
   echo "$lines lines, but $imported imported, $skipped skipped, $(frames first) reported."
