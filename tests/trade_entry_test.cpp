@@ -214,8 +214,8 @@ TEST_F(Entering, AChangedTradeKeepsWhatHasNoColumnAndItsKeyMoves) {
     EXPECT_EQ(+book.Row(0).price, 6.25);
     EXPECT_EQ(+book.Row(0).value20036, 77u);
     EXPECT_EQ(+book.Row(0).veltTradeID, 1u);
-    EXPECT_FALSE(book.Holds(stored));
-    EXPECT_TRUE(book.Holds(book.Row(0)));
+    EXPECT_FALSE(book.HolderOf(stored));
+    EXPECT_TRUE(book.HolderOf(book.Row(0)));
     EXPECT_TRUE(book.Changed());
     EXPECT_EQ(Reports(msg::TradeReport), 1u);
     EXPECT_EQ(Reports(msg::SecondTradeReport), 0u);

@@ -113,10 +113,11 @@ void CsvImport::DealWith(std::string_view line) {
     if (line.empty()) return report_->Skipped(lineNumber_, raw, LineOutcome::Empty);
     MakeRecord(line, raw);
     if ((doubts_.bits & doubt::NoContract) != 0) ++counts_.unknownContracts;
-    if (SkippedAsDuplicate(lineNumber_, raw)) return;
     const std::string_view client = TextOf(record_.clientID);
     if (plan_.ForcesClient() || hostClients_.Holds(client) || ports_.manualClients.Holds(client)) {
         Enter(lineNumber_, raw);
+    } else if (const std::uint32_t holder = ports_.book.HolderOf(record_); holder != 0) {
+        SkipDuplicate(lineNumber_, raw, holder);
     } else {
         HoldBack();
     }
@@ -139,17 +140,20 @@ void CsvImport::MakeRecord(std::string_view line, std::string_view raw) {
     if (!contracts_.Resolve(record_) && ports_.host.HasSecurityMaster()) doubts_.bits |= doubt::NoContract;
 }
 
-bool CsvImport::SkippedAsDuplicate(std::uint64_t number, std::string_view raw) {
-    if (!ports_.book.Holds(record_)) return false;
+void CsvImport::SkipDuplicate(std::uint64_t number, std::string_view raw, std::uint32_t holder) {
     ++counts_.duplicates;
     ports_.user.Notice(std::string("Dravel Duplicate TRADEID :").append(TextOf(record_.exchangeTradeID)));
-    report_->Skipped(number, raw, LineOutcome::Duplicate, ports_.book.HolderOf(record_));
-    return true;
+    report_->Skipped(number, raw, LineOutcome::Duplicate, holder);
 }
 
-void CsvImport::Enter(std::uint64_t number, std::string_view raw) {
-    ports_.book.Add(record_);
+// False: the book holds the trade already.
+bool CsvImport::Enter(std::uint64_t number, std::string_view raw) {
+    if (const std::uint32_t holder = ports_.book.AddUnlessHeld(record_); holder != 0) {
+        SkipDuplicate(number, raw, holder);
+        return false;
+    }
     report_->Imported(number, raw, doubts_);
+    return true;
 }
 
 void CsvImport::HoldBack() {
@@ -197,13 +201,11 @@ void CsvImport::AcceptLines(std::size_t maxLines) {
 
 void CsvImport::Accept(const HeldLine& held) {
     MakeRecord(LineOf(held.raw, held.number), held.raw);
-    // An earlier held-back line, or the terminal, may have brought the same trade meanwhile.
-    if (SkippedAsDuplicate(held.number, held.raw)) return;
     const std::string client(TextOf(record_.clientID));
     if (record_.userID[0] == '\0') SetText(record_.userID, client);
     if (record_.managerID[0] == '\0') SetText(record_.managerID, client);
-    Enter(held.number, held.raw);
-    ports_.manualClients.Add(client);
+    // An earlier held-back line, or the terminal, may have brought the same trade meanwhile.
+    if (Enter(held.number, held.raw)) ports_.manualClients.Add(client);
 }
 
 // The user cancelled: what is in the book stays there.

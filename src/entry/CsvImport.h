@@ -120,8 +120,8 @@ class CsvImport {
     void Accept(const HeldLine& held);
     void ListLines(std::size_t maxLines);
     void MakeRecord(std::string_view line, std::string_view raw);
-    bool SkippedAsDuplicate(std::uint64_t number, std::string_view raw);
-    void Enter(std::uint64_t number, std::string_view raw);
+    void SkipDuplicate(std::uint64_t number, std::string_view raw, std::uint32_t holder);
+    bool Enter(std::uint64_t number, std::string_view raw);
     void EndOfFile();
     void CloseFile();
     bool UserAccepts();

@@ -11,15 +11,13 @@ namespace Dravel {
 class ITradeSink {
  public:
     virtual ~ITradeSink() = default;
-    // Whether a trade of the book has the record's duplicate key (Symbol, ExchangeTradeID, ExchangeOrderNo
-    // and ExchangeTradeTime, as they stand in the record).
-    virtual bool Holds(const TradeRecord& record) const = 0;
-    // VELTTradeID of a trade that has this key; 0: none has.
+    // VELTTradeID of a trade that has the record's duplicate key (Symbol, ExchangeTradeID, ExchangeOrderNo
+    // and ExchangeTradeTime, as they stand in the record); 0: none has.
     virtual std::uint32_t HolderOf(const TradeRecord& record) const = 0;
-    // Takes the record as a new trade: gives it VELTTradeID and VELTOrderID, and OrderID when that is 0,
-    // stores and shows it, reports it to the terminal and sets the changed flag. Returns the identifier
-    // given.
-    virtual std::int32_t Add(TradeRecord& record) = 0;
+    // Takes the record as a new trade unless one has its key, whose VELTTradeID is then returned; 0: taken.
+    // It gives it VELTTradeID and VELTOrderID, and OrderID when that is 0, stores and shows it, reports it to
+    // the terminal and sets the changed flag.
+    virtual std::uint32_t AddUnlessHeld(TradeRecord& record) = 0;
     // Between the two the trades that come in are shown together, at the end, which is much cheaper. They
     // nest.
     virtual void BeginBatch() {}

@@ -4,36 +4,26 @@
 #include <bit>
 #include <cstring>
 #include <functional>
-#include <string_view>
 
 #include "records/RecordText.h"
 
 namespace Dravel {
 
-// A record's key on the stack.
-struct DuplicateKeys::Key {
-    static constexpr std::size_t kCapacity = 32 + 48 + 48 + 22 + 3;
-    char bytes[kCapacity];
-    std::size_t length = 0;
+DuplicateKey::DuplicateKey(const TradeRecord& record) {
+    Put(TextOf(record.symbol));
+    bytes_[length_++] = '|';
+    Put(TextOf(record.exchangeTradeID));
+    bytes_[length_++] = '|';
+    Put(TextOf(record.exchangeOrderNo));
+    bytes_[length_++] = '|';
+    Put(TextOf(record.exchangeTradeTime));
+    hash_ = static_cast<std::uint32_t>(std::hash<std::string_view>{}(Text()));
+}
 
-    explicit Key(const TradeRecord& record) {
-        Put(TextOf(record.symbol));
-        bytes[length++] = '|';
-        Put(TextOf(record.exchangeTradeID));
-        bytes[length++] = '|';
-        Put(TextOf(record.exchangeOrderNo));
-        bytes[length++] = '|';
-        Put(TextOf(record.exchangeTradeTime));
-    }
-    std::string_view Text() const { return {bytes, length}; }
-    std::uint32_t Hash() const { return static_cast<std::uint32_t>(std::hash<std::string_view>{}(Text())); }
-
- private:
-    void Put(std::string_view text) {
-        std::memcpy(bytes + length, text.data(), text.size());
-        length += text.size();
-    }
-};
+void DuplicateKey::Put(std::string_view text) {
+    std::memcpy(bytes_ + length_, text.data(), text.size());
+    length_ += text.size();
+}
 
 template <class Suits>
 std::size_t DuplicateKeys::PlaceOf(std::uint32_t hash, Suits suits) const {
@@ -44,25 +34,21 @@ std::size_t DuplicateKeys::PlaceOf(std::uint32_t hash, Suits suits) const {
     return place;
 }
 
-std::size_t DuplicateKeys::PlaceOf(std::uint32_t hash, const Key& key) const {
-    return PlaceOf(hash, [&](const Entry& entry) {
-        return entry.hash == hash && Key(store_[entry.slot].record).Text() == key.Text();
+std::size_t DuplicateKeys::PlaceOf(const DuplicateKey& key) const {
+    return PlaceOf(key.Hash(), [&](const Entry& entry) {
+        return entry.hash == key.Hash() && DuplicateKey(store_[entry.slot].record).Text() == key.Text();
     });
 }
 
-TradeStore::Slot DuplicateKeys::Find(const TradeRecord& record) const {
-    if (table_.empty()) return kNone;
-    const Key key(record);
-    return table_[PlaceOf(key.Hash(), key)].slot;
+TradeStore::Slot DuplicateKeys::Find(const DuplicateKey& key) const {
+    return table_.empty() ? kNone : table_[PlaceOf(key)].slot;
 }
 
-void DuplicateKeys::Enter(TradeStore::Slot slot) {
+void DuplicateKeys::Enter(TradeStore::Slot slot, const DuplicateKey& key) {
     if (4 * (used_ + 1) > 3 * table_.size()) Resize(std::max(kSmallest, 2 * table_.size()));
-    const Key key(store_[slot].record);
-    const std::uint32_t hash = key.Hash();
-    Entry& entry = table_[PlaceOf(hash, key)];
+    Entry& entry = table_[PlaceOf(key)];
     if (entry.slot == kNone) {
-        entry = {hash, slot};
+        entry = {key.Hash(), slot};
         ++used_;
         return;
     }
@@ -84,7 +70,7 @@ void DuplicateKeys::Remove(TradeStore::Slot slot) {
         shared_[beside.before].after = beside.after;
         return;
     }
-    const std::uint32_t hash = Key(store_[slot].record).Hash();
+    const std::uint32_t hash = DuplicateKey(store_[slot].record).Hash();
     const std::size_t place = PlaceOf(hash, [slot](const Entry& entry) { return entry.slot == slot; });
     if (beside.after != kNone) {
         table_[place].slot = beside.after;

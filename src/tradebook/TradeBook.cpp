@@ -59,7 +59,7 @@ void TradeBook::EndLoad() {
     NameNamelessTrades();
     keys_.Reserve(rows_.size());
     for (const TradeStore::Slot slot : rows_)
-        Enter(slot);
+        Enter(slot, DuplicateKey(Record(slot)));
     if (observer_) observer_->RowsReset();
 }
 
@@ -86,9 +86,20 @@ std::int32_t TradeBook::NextIdentifier() {
 }
 
 std::int32_t TradeBook::Add(TradeRecord& record) {
+    return AddOwn(record, DuplicateKey(record));
+}
+
+std::uint32_t TradeBook::AddUnlessHeld(TradeRecord& record) {
+    const DuplicateKey key(record);
+    if (const TradeItem item = keys_.Find(key); item != DuplicateKeys::kNone) return Record(item).veltTradeID;
+    AddOwn(record, key);
+    return 0;
+}
+
+std::int32_t TradeBook::AddOwn(TradeRecord& record, const DuplicateKey& key) {
     record.veltTradeID = record.veltOrderID = static_cast<std::uint32_t>(NextIdentifier());
     if (record.orderID == 0) record.orderID = record.veltOrderID;
-    AddTrade(record, false);
+    AddTrade(record, key, false);
     return IdentifierOf(record);
 }
 
@@ -97,26 +108,26 @@ std::int32_t TradeBook::AddFromHost(TradeRecord& record) {
         record.veltTradeID = static_cast<std::uint32_t>(NextIdentifier());
     }
     counter_ = std::max(counter_, std::uint32_t{record.veltTradeID});
-    AddTrade(record, true);
+    AddTrade(record, DuplicateKey(record), true);
     return IdentifierOf(record);
 }
 
 // The report comes last: the terminal may call back while it is being told, and must find the book in step.
-void TradeBook::AddTrade(TradeRecord& record, bool secondReport) {
+void TradeBook::AddTrade(TradeRecord& record, const DuplicateKey& key, bool secondReport) {
     if (!record.security) record.security = securities_.Find(record);
     const TradeStore::Slot slot = store_.Add(record);
     PushRow(slot);
     trades_.Insert(IdentifierOf(record), slot);
-    Enter(slot);
+    Enter(slot, key);
     ++revision_;
     SetChanged(true);
     if (observer_) observer_->RowAddedOnTop();
     ReportTrade(host_, store_[slot].record, {.trade = !analysisOnly_, .second = secondReport});
 }
 
-void TradeBook::Enter(TradeItem item) {
+void TradeBook::Enter(TradeItem item, const DuplicateKey& key) {
     const TradeRecord& record = Record(item);
-    keys_.Enter(item);
+    keys_.Enter(item, key);
     if (record.side == side::Buy) totals_.bought += record.quantity;
     if (record.side == side::Sell) totals_.sold += record.quantity;
 }
@@ -129,7 +140,7 @@ void TradeBook::Leave(TradeItem item) {
 }
 
 std::uint32_t TradeBook::HolderOf(const TradeRecord& record) const {
-    const TradeItem item = keys_.Find(record);
+    const TradeItem item = keys_.Find(DuplicateKey(record));
     return item == DuplicateKeys::kNone ? 0u : +Record(item).veltTradeID;
 }
 
@@ -156,7 +167,7 @@ bool TradeBook::Edit(TradeItem item, TradeRecord record) {
     if (!record.security) record.security = securities_.Find(record);
     Leave(item);
     stored = record;
-    Enter(item);
+    Enter(item, DuplicateKey(stored));
     ++revision_;
     SetChanged(true);
     if (observer_) observer_->RowEdited(item);

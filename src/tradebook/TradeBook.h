@@ -60,13 +60,11 @@ class TradeBook final : public ITradeSink {
 
     // A new trade, on top: takes the next value of the counter as VELTTradeID and VELTOrderID (and as OrderID
     // when that is 0), enters its key, is reported, sets the changed flag. Returns its identifier.
-    std::int32_t Add(TradeRecord& record) override;
+    std::int32_t Add(TradeRecord& record);
+    std::uint32_t AddUnlessHeld(TradeRecord& record) override;
     // A trade that the terminal hands over: as Add, but it keeps an identifier of its own that nobody else
     // holds, and is reported a second time too.
     std::int32_t AddFromHost(TradeRecord& record);
-    bool Holds(const TradeRecord& record) const override {
-        return keys_.Find(record) != DuplicateKeys::kNone;
-    }
     std::uint32_t HolderOf(const TradeRecord& record) const override;
     // Puts `record` in the place of the trade, which keeps its identifier, looks up the contract when the
     // record has none, reports the trade and sets the changed flag. False: the trade was deleted.
@@ -114,10 +112,11 @@ class TradeBook final : public ITradeSink {
     void SetObserver(IBookObserver* observer) { observer_ = observer; }
 
  private:
-    void AddTrade(TradeRecord& record, bool secondReport);
+    std::int32_t AddOwn(TradeRecord& record, const DuplicateKey& key);
+    void AddTrade(TradeRecord& record, const DuplicateKey& key, bool secondReport);
     void NameNamelessTrades();
     std::int32_t NextIdentifier();
-    void Enter(TradeItem item);
+    void Enter(TradeItem item, const DuplicateKey& key);
     void Leave(TradeItem item);
     void PushRow(TradeItem item);
     std::vector<std::uint32_t> RowsOf(std::span<const TradeItem> items) const;

@@ -20,16 +20,19 @@ using Strings = std::vector<std::string>;
 
 class FakeBook final : public ITradeSink {
  public:
-    bool Holds(const TradeRecord& record) const override { return HolderOf(record) != 0; }
     std::uint32_t HolderOf(const TradeRecord& record) const override {
         const auto holder = keys_.find(PlainKey(record));
         return holder == keys_.end() ? 0 : holder->second;
     }
-    std::int32_t Add(TradeRecord& record) override {
+    std::uint32_t AddUnlessHeld(TradeRecord& record) override {
+        if (const std::uint32_t holder = HolderOf(record); holder != 0) return holder;
+        Add(record);
+        return 0;
+    }
+    void Add(TradeRecord& record) {
         record.veltTradeID = record.veltOrderID = static_cast<std::uint32_t>(trades.size() + 1);
         keys_.emplace(PlainKey(record), +record.veltTradeID);
         trades.push_back(record);
-        return static_cast<std::int32_t>(trades.size());
     }
     // One cell of every trade, each followed by a blank.
     std::string Cells(int column) const {
