@@ -167,6 +167,56 @@ TEST_F(BookTest, AKeyIsMadeOfTheTextsAsTheRecordHoldsThem) {
     EXPECT_TRUE(book.HolderOf(apart)) << "what is joined alike is one key";
 }
 
+// The terminal hands over a trade while it is asked for the contract of another one.
+class AskedInBetweenTest : public BookTest {
+ protected:
+    AskedInBetweenTest() {
+        host.onAsk = [this] {
+            host.onAsk = nullptr;
+            book.AddFromHost(inner);
+        };
+    }
+    static TradeRecord Of(const char* identifier, const char* trade, std::uint32_t id = 0) {
+        TradeRecord record = Trade("A", trade, id);
+        SetText(record.exchange, "NSE");
+        SetText(record.securityID, identifier);
+        return record;
+    }
+    TradeRecord inner = Of("A-longer-identifier", "2"), outer = Of("1", "1");
+};
+
+TEST_F(AskedInBetweenTest, EachTradeGetsItsOwnContract) {
+    const SecurityMasterEntry &own = host.Identify("NSE", "1"),
+                              &other = host.Identify("NSE", "A-longer-identifier");
+    book.Add(outer);
+    ASSERT_EQ(book.RowCount(), 2u);
+    EXPECT_EQ(+book.Row(0).security, &own);
+    EXPECT_EQ(+book.Row(1).security, &other);
+}
+
+TEST_F(AskedInBetweenTest, NoTwoTradesShareAnIdentifier) {
+    inner.veltTradeID = 1;
+    book.Add(outer);
+    ASSERT_EQ(book.RowCount(), 2u);
+    EXPECT_NE(+book.Row(0).veltTradeID, +book.Row(1).veltTradeID);
+}
+
+TEST_F(AskedInBetweenTest, AKeyThatCameMeanwhileIsHeld) {
+    inner = Of("A-longer-identifier", "1", 7);
+    EXPECT_EQ(book.AddUnlessHeld(outer), 7u);
+    EXPECT_EQ(book.RowCount(), 1u);
+}
+
+TEST_F(AskedInBetweenTest, ATradeThatWentMeanwhileIsNotChanged) {
+    TradeRecord record = Trade("A", "1");
+    book.Add(record);
+    const TradeItem item = book.ItemAt(0);
+    host.onAsk = [&] { book.Delete(std::span(&item, 1)); };
+    EXPECT_FALSE(book.Edit(item, outer));
+    EXPECT_EQ(book.RowCount(), 0u);
+    EXPECT_EQ(book.Totals().bought, 0u);
+}
+
 TEST_F(BookTest, ReportAllGoesUpTheIdentifiers) {
     Load({{Trade("C", "3", 7), false}, {Trade("A", "1", 2), false}, {Trade("B", "2", 5), false}});
     book.ReportAll();

@@ -1,5 +1,8 @@
 #include "tradebook/SecurityLookup.h"
 
+#include <algorithm>
+#include <iterator>
+
 #include "records/RecordText.h"
 
 namespace Dravel {
@@ -8,13 +11,16 @@ const SecurityMasterEntry* SecurityLookup::Find(const TradeRecord& record) {
     if (!host_.HasSecurityMaster()) return nullptr;
     const std::string_view exchange = TextOf(record.exchange), identifier = TextOf(record.securityID);
     if (exchange.empty() || identifier.empty()) return nullptr;
-    key_.assign(exchange).append(1, '\0').append(identifier);
-    if (const auto found = known_.find(key_); found != known_.end()) return found->second;
-    // Both texts stand in the key, zero-terminated, as the request wants them.
-    const char* const texts = key_.c_str();
-    const SecurityMasterEntry* const entry =
-        host_.Ask(master::ContractByID, {texts, texts + exchange.size() + 1}).entry;
-    known_.emplace(key_, entry);
+    // Both texts zero-terminated, as the request wants them. On the stack: the terminal reads them even after
+    // a look-up in between.
+    char texts[sizeof record.exchange + sizeof record.securityID + 2];
+    char* const second = std::copy(exchange.begin(), exchange.end(), texts) + 1;
+    char* const end = std::copy(identifier.begin(), identifier.end(), second) + 1;
+    second[-1] = end[-1] = '\0';
+    const std::string_view key(texts, static_cast<std::size_t>(end - texts));
+    if (const auto found = known_.find(key); found != known_.end()) return found->second;
+    const SecurityMasterEntry* const entry = host_.Ask(master::ContractByID, {texts, second}).entry;
+    known_.emplace(key, entry);
     return entry;
 }
 

@@ -85,25 +85,32 @@ std::int32_t TradeBook::NextIdentifier() {
     return identifier;
 }
 
+// The terminal may hand over trades while it is asked, so this comes before anything is decided by what the
+// book holds.
+void TradeBook::FindSecurity(TradeRecord& record) {
+    if (!record.security) record.security = securities_.Find(record);
+}
+
 std::int32_t TradeBook::Add(TradeRecord& record) {
-    return AddOwn(record, DuplicateKey(record));
-}
-
-std::uint32_t TradeBook::AddUnlessHeld(TradeRecord& record) {
-    const DuplicateKey key(record);
-    if (const TradeItem item = keys_.Find(key); item != DuplicateKeys::kNone) return Record(item).veltTradeID;
-    AddOwn(record, key);
-    return 0;
-}
-
-std::int32_t TradeBook::AddOwn(TradeRecord& record, const DuplicateKey& key) {
+    FindSecurity(record);
     record.veltTradeID = record.veltOrderID = static_cast<std::uint32_t>(NextIdentifier());
     if (record.orderID == 0) record.orderID = record.veltOrderID;
-    AddTrade(record, key, false);
+    AddTrade(record, DuplicateKey(record), false);
     return IdentifierOf(record);
 }
 
+std::uint32_t TradeBook::AddUnlessHeld(TradeRecord& record) {
+    FindSecurity(record);
+    const DuplicateKey key(record);
+    if (const TradeItem item = keys_.Find(key); item != DuplicateKeys::kNone) return Record(item).veltTradeID;
+    record.veltTradeID = record.veltOrderID = static_cast<std::uint32_t>(NextIdentifier());
+    if (record.orderID == 0) record.orderID = record.veltOrderID;
+    AddTrade(record, key, false);
+    return 0;
+}
+
 std::int32_t TradeBook::AddFromHost(TradeRecord& record) {
+    FindSecurity(record);
     if (!HasIdentifier(record) || trades_.Contains(IdentifierOf(record))) {
         record.veltTradeID = static_cast<std::uint32_t>(NextIdentifier());
     }
@@ -114,7 +121,6 @@ std::int32_t TradeBook::AddFromHost(TradeRecord& record) {
 
 // The report comes last: the terminal may call back while it is being told, and must find the book in step.
 void TradeBook::AddTrade(TradeRecord& record, const DuplicateKey& key, bool secondReport) {
-    if (!record.security) record.security = securities_.Find(record);
     const TradeStore::Slot slot = store_.Add(record);
     PushRow(slot);
     trades_.Insert(IdentifierOf(record), slot);
@@ -161,10 +167,10 @@ std::uint32_t TradeBook::RowOf(TradeItem item) const {
 }
 
 bool TradeBook::Edit(TradeItem item, TradeRecord record) {
+    FindSecurity(record);
     if (RowOf(item) == kNoBookRow) return false;
     TradeRecord& stored = store_[item].record;
     record.veltTradeID = stored.veltTradeID;
-    if (!record.security) record.security = securities_.Find(record);
     Leave(item);
     stored = record;
     Enter(item, DuplicateKey(stored));

@@ -58,8 +58,8 @@ class TradeBook final : public ITradeSink {
     void Load(const TradeRecord& record, bool deleted);
     void EndLoad();
 
-    // A new trade, on top: takes the next value of the counter as VELTTradeID and VELTOrderID (and as OrderID
-    // when that is 0), enters its key, is reported, sets the changed flag. Returns its identifier.
+    // A new trade, on top: takes the next value of the counter as VELTTradeID and VELTOrderID, enters its
+    // key, is reported, sets the changed flag. Returns its identifier.
     std::int32_t Add(TradeRecord& record);
     std::uint32_t AddUnlessHeld(TradeRecord& record) override;
     // A trade that the terminal hands over: as Add, but it keeps an identifier of its own that nobody else
@@ -109,10 +109,12 @@ class TradeBook final : public ITradeSink {
     bool AnalysisOnly() const { return analysisOnly_; }
     void SetAnalysisOnly(bool on) { analysisOnly_ = on; }
     const RunningTotals& Totals() const { return totals_; }
+    // What finds the terminal's entry of a trade's contract, for whoever reads stored trades.
+    ISecurityMaster& Securities() { return securities_; }
     void SetObserver(IBookObserver* observer) { observer_ = observer; }
 
  private:
-    std::int32_t AddOwn(TradeRecord& record, const DuplicateKey& key);
+    void FindSecurity(TradeRecord& record);
     void AddTrade(TradeRecord& record, const DuplicateKey& key, bool secondReport);
     void NameNamelessTrades();
     std::int32_t NextIdentifier();

@@ -43,6 +43,15 @@ class FakeHost final : public IHost {
         return entry;
     }
 
+    // A contract that it finds by its identifier.
+    SecurityMasterEntry& Identify(const std::string& exchange, const std::string& identifier) {
+        SecurityMasterEntry& entry = entries_.emplace_back();
+        SetText(entry.exchange, exchange);
+        SetText(entry.securityID, identifier);
+        byTexts_[{exchange, identifier}] = &entry;
+        return entry;
+    }
+
     // What it offers for a cell, given the cells before it.
     void Offer(std::uint32_t kind, const std::vector<std::string>& texts, std::vector<std::string> choices) {
         offers_[{kind, texts}] = std::move(choices);
