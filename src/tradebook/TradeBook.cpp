@@ -94,7 +94,6 @@ void TradeBook::FindSecurity(TradeRecord& record) {
 std::int32_t TradeBook::Add(TradeRecord& record) {
     FindSecurity(record);
     record.veltTradeID = record.veltOrderID = static_cast<std::uint32_t>(NextIdentifier());
-    if (record.orderID == 0) record.orderID = record.veltOrderID;
     AddTrade(record, DuplicateKey(record), false);
     return IdentifierOf(record);
 }
