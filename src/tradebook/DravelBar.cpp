@@ -37,7 +37,8 @@ void CDravelBar::OpenStore() {
     store_ = std::make_unique<BookFile>(
         context_.files, context_.clock, context_.log,
         KRV::Base::RecordFilePlace{
-            .folder = folder, .backups = folder / "Backup", .name = "DravelBook_Dravel"});
+            .folder = folder, .backups = folder / "Backup", .name = "DravelBook_Dravel"},
+        &book_.Securities());
     if (!store_->Acquire()) store_.reset();
 }
 
