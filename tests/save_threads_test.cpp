@@ -137,6 +137,47 @@ TEST_F(ThreadsSaveTest, TheEndWaitsForARunningSave) {
     EXPECT_EQ(OnDisk(), 300u);
 }
 
+TEST_F(ThreadsSaveTest, WaitingEndsWithTheSaveThatFollows) {
+    parts.store = rig.file.get();
+    TradeSaver saver(parts, user);
+    Add(300);
+    saver.Save();
+    Add(1);
+    saver.Save();
+    saver.Wait();
+    EXPECT_EQ(OnDisk(), 301u);
+    EXPECT_EQ(user.notices.size(), 2u);
+    EXPECT_FALSE(book.Changed());
+}
+
+TEST_F(ThreadsSaveTest, WaitingTellsOfAFailureBeforeTheFlagIsLookedAt) {
+    parts.store = rig.file.get();
+    TradeSaver saver(parts, user);
+    rig.disk.plan.bytesLeft = 1000;
+    Add(300);
+    saver.Save();
+    EXPECT_FALSE(book.Changed());
+    saver.Wait();
+    EXPECT_TRUE(book.Changed());
+    EXPECT_EQ(user.boxes.size(), 1u);
+}
+
+TEST_F(ThreadsSaveTest, AGoodSaveAfterAFailedOneLeavesTheFlagClear) {
+    parts.store = rig.file.get();
+    TradeSaver saver(parts, user);
+    rig.disk.plan.bytesLeft = 1000;
+    Add(300);
+    saver.Save();
+    while (posted.Empty())
+        SystemClock().Sleep(1);
+    rig.disk.ClearPlan();
+    saver.Save();
+    saver.Wait();
+    EXPECT_EQ(user.boxes.size(), 1u);
+    EXPECT_EQ(OnDisk(), 300u);
+    EXPECT_FALSE(book.Changed());
+}
+
 struct NoReports final : IImportReportView {
     void Show(void*, std::shared_ptr<const ImportReport>) override {}
     void Renew(std::shared_ptr<const ImportReport>) override {}

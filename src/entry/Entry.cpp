@@ -2,6 +2,7 @@
 
 #include <utility>
 
+#include "support/OuterCall.h"
 #include "tradebook/TradeBook.h"
 
 namespace Dravel {
@@ -16,13 +17,18 @@ void Entry::BookOpened(const BookParts& parts) {
 void Entry::BookClosed() {
     context_.reportView.Close();
     report_.reset();
-    typing_.reset();
-    saver_.reset();
+    // Either may be waiting for the answer to a box.
+    KeepForCalls(std::move(typing_));
+    KeepForCalls(std::move(saver_));
     parts_.reset();
 }
 
 void Entry::Save() {
     if (saver_) saver_->Save();
+}
+
+void Entry::FinishSaves() {
+    if (saver_) saver_->Wait();
 }
 
 void Entry::SaveNow() {

@@ -40,6 +40,7 @@ class Entry final : public IEntry {
     void Save() override;
     bool AskToSave() override;
     void SaveNow() override;
+    void FinishSaves() override;
     void Import(void* owner, const std::filesystem::path& file) override;
     void Choices(const TradeDraft& draft, int column, std::string_view typed,
                  std::vector<std::string>& choices) override;

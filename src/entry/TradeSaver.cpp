@@ -29,6 +29,10 @@ void TradeSaver::Save() {
 
 void TradeSaver::SaveAndWait() {
     Save();
+    Wait();
+}
+
+void TradeSaver::Wait() {
     while (const std::shared_ptr<Run> run = running_) {
         while (run->done.Wait(KRV::Base::kWriterWakeUp) == KRV::Thread::WaitResult::TimedOut) {
         }
@@ -70,9 +74,10 @@ void TradeSaver::Finish(Run& run) {
     }
 }
 
-// The flag first: while the box is open, closing must already ask.
+// The flag first: while the box is open, closing must already ask. A save that follows this one writes the
+// whole book and sees to the flag itself.
 void TradeSaver::Fail(std::string_view reason) {
-    parts_.book.SetChanged(true);
+    if (!running_) parts_.book.SetChanged(true);
     parts_.log.Line(LogLevel::Error, "Save", reason);
     user_.Box("Dravel Save Failed\n" + std::string(reason), "Dravel", Buttons::Ok, Icon::Warning);
 }

@@ -17,7 +17,7 @@ class TradeSaver {
  public:
     // `parts` outlive the saver.
     TradeSaver(const BookParts& parts, IUser& user) : parts_(parts), user_(user) {}
-    // Waits until a running save is on the disk, and ends the writer thread.
+    // Ends the writer thread, after a save that still runs.
     ~TradeSaver();
     TradeSaver(const TradeSaver&) = delete;
     TradeSaver& operator=(const TradeSaver&) = delete;
@@ -27,6 +27,8 @@ class TradeSaver {
     void Save();
     // The same, and returns when the result is known.
     void SaveAndWait();
+    // Returns when no save runs or waits any more, and their results are known.
+    void Wait();
 
  private:
     struct Run;  // a save on its way, shared with the writer thread

@@ -4,10 +4,10 @@
 
 #include <iterator>
 
-#include "toolkit/ActivationContext.h"
 #include "toolkit/ColourPicker.h"
 #include "toolkit/DialogBase.h"
 #include "toolkit/Geometry.h"
+#include "toolkit/ModalLoop.h"
 #include "toolkit/win32/CommonDialogs.h"
 
 namespace Dravel {
@@ -121,7 +121,7 @@ class DlgColourPicker final : public DialogBase {
         request.rgbResult = current_;
         request.lpCustColors = custom;
         request.Flags = CC_RGBINIT | CC_FULLOPEN;
-        const ActivationScope scope;
+        const ModalLoop modal;
         if (!CommonDialogs().ChooseColor(request)) return;
         choice.colour = request.rgbResult;
         End(kDialogOk);

@@ -5,10 +5,12 @@
 #include <algorithm>
 #include <exception>
 
+#include "support/OuterCall.h"
 #include "toolkit/ActivationContext.h"
 #include "toolkit/AnsiText.h"
 #include "toolkit/DialogBase.h"
 #include "toolkit/Geometry.h"
+#include "toolkit/ModalLoop.h"
 #include "toolkit/Module.h"
 
 namespace Dravel {
@@ -25,6 +27,7 @@ INT_PTR CALLBACK Procedure(HWND window, UINT message, WPARAM wparam, LPARAM lpar
     auto* dialog = reinterpret_cast<DialogBase*>(GetWindowLongPtrW(window, DWLP_USER));
     if (dialog == nullptr) return FALSE;
     if (message == WM_NCDESTROY) SetWindowLongPtrW(window, DWLP_USER, 0);
+    const OuterCall call;
     try {
         return dialog->HandleDialog(window, message, wparam, lparam);
     } catch (const std::exception& failure) {
@@ -86,7 +89,7 @@ void Centre(HWND window, HWND owner) {
 DialogBase::~DialogBase() = default;
 
 std::intptr_t DialogBase::DoModal(void* owner, const DialogTemplate& shape) {
-    const ActivationScope scope;
+    const ModalLoop modal;
     LoadControls();
     modeless_ = false;
     owner_ = owner == nullptr ? nullptr : GetAncestor(Handle(owner), GA_ROOT);

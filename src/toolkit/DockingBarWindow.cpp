@@ -40,11 +40,11 @@ bool CKRVPDockingControlBar::Create(void* frame, const wchar_t* name, const Rect
     if (!impl_->frame.CreateMini(name)) return false;
     RECT client;
     GetClientRect(impl_->frame.mini, &client);
-    CreateWindowExW(0, kBarClass, name, WS_CHILD | WS_CLIPCHILDREN | WS_CLIPSIBLINGS, 0, 0, client.right,
-                    client.bottom, impl_->frame.mini,
-                    reinterpret_cast<HMENU>(static_cast<std::uintptr_t>(id)),
-                    static_cast<HINSTANCE>(Module()), this);
-    if (window_ == nullptr) return false;
+    const HWND made = CreateWindowExW(0, kBarClass, name, WS_CHILD | WS_CLIPCHILDREN | WS_CLIPSIBLINGS, 0, 0,
+                                      client.right, client.bottom, impl_->frame.mini,
+                                      reinterpret_cast<HMENU>(static_cast<std::uintptr_t>(id)),
+                                      static_cast<HINSTANCE>(Module()), this);
+    if (made == nullptr) return false;  // OnNcDestroy may have deleted this
     impl_->frame.Attach();
     return true;
 }

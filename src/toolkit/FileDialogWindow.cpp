@@ -2,8 +2,8 @@
 #include <cwchar>
 #include <vector>
 
-#include "toolkit/ActivationContext.h"
 #include "toolkit/FileDialog.h"
+#include "toolkit/ModalLoop.h"
 #include "toolkit/win32/CommonDialogs.h"
 
 namespace Dravel {
@@ -38,7 +38,7 @@ bool FileDialog(void* owner, FileDialogParams& params) {
     request.lpstrDefExt = OrNull(extension);
     request.Flags = OFN_EXPLORER | OFN_NOCHANGEDIR | OFN_HIDEREADONLY | OFN_PATHMUSTEXIST;
     request.Flags |= params.save ? (params.overwritePrompt ? OFN_OVERWRITEPROMPT : 0) : OFN_FILEMUSTEXIST;
-    const ActivationScope scope;
+    const ModalLoop modal;
     const CommonDialogs dialogs;
     bool chosen = Run(dialogs, request, params.save);
     if (!chosen && dialogs.LastError() == FNERR_INVALIDFILENAME) {

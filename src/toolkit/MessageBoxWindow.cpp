@@ -5,10 +5,10 @@
 #include <span>
 #include <string>
 
-#include "toolkit/ActivationContext.h"
 #include "toolkit/DialogBase.h"
 #include "toolkit/Geometry.h"
 #include "toolkit/MessageBox.h"
+#include "toolkit/ModalLoop.h"
 
 using namespace Dravel;
 
@@ -256,7 +256,7 @@ std::uint32_t SystemBox(void* owner, const KRVP_MSGBOXPARAMS& params) {
         request.lpszIcon = FirstIcon(params.instance);
         if (request.lpszIcon == nullptr) request.dwStyle &= ~kIconMask;
     }
-    const ActivationScope scope;
+    const ModalLoop modal;
     const int answer = MessageBoxIndirectW(&request);
     // Not every system gives the only button for Escape.
     if (answer == kCancel.id && (params.style & kButtonMask) == 0) return kOk.id;

@@ -5,6 +5,7 @@
 
 #include <exception>
 
+#include "support/OuterCall.h"
 #include "toolkit/ActivationContext.h"
 #include "toolkit/AnsiText.h"
 #include "toolkit/DockingBar.h"
@@ -237,6 +238,7 @@ void GridEditor::ToggleList() {
 LRESULT CALLBACK GridEditor::Procedure(HWND window, UINT message, WPARAM wparam, LPARAM lparam, UINT_PTR,
                                        DWORD_PTR editor) noexcept {
     auto& self = *reinterpret_cast<GridEditor*>(editor);
+    const OuterCall call;
     try {
         return self.Message(window, message, wparam, lparam);
     } catch (const std::exception& failure) {

@@ -5,6 +5,7 @@
 
 #include <exception>
 
+#include "support/OuterCall.h"
 #include "toolkit/ActivationContext.h"
 #include "toolkit/AnsiText.h"
 #include "toolkit/DockingBar.h"
@@ -171,6 +172,7 @@ void GridFilterBar::DropBrush() {
 LRESULT CALLBACK GridFilterBar::Procedure(HWND window, UINT message, WPARAM wparam, LPARAM lparam,
                                           UINT_PTR id, DWORD_PTR bar) noexcept {
     auto& self = *reinterpret_cast<GridFilterBar*>(bar);
+    const OuterCall call;
     try {
         return self.Message(window, message, wparam, lparam, static_cast<int>(id));
     } catch (const std::exception& failure) {

@@ -2,6 +2,7 @@
 
 #include <utility>
 
+#include "toolkit/ModalLoop.h"
 #include "tradebook/BookStatus.h"
 #include "tradebook/base/BarPlace.h"
 
@@ -102,44 +103,50 @@ void CDravelBar::KeepLayout() {
     grid_->SaveLayout();
 }
 
+// A box, a dialog or an import holds the user: what it began is to be ended first. A program that the system
+// is asked to end gets its closing message all the same.
+bool CDravelBar::Occupied() const {
+    return ModalLoop::Runs() || context_.entry.Busy();
+}
+
 bool CDravelBar::AskToSaveWhenShown() {
-    if (!grid_->LeaveCheck()) return false;
+    if (Occupied() || !grid_->LeaveCheck()) return false;
+    context_.entry.FinishSaves();
     if (book_.Changed() && Shown()) context_.entry.AskToSave();
     return true;
 }
 
 void CDravelBar::HideAndTell() {
-    if (context_.entry.Busy() || !AskToSaveWhenShown()) return;
+    if (!AskToSaveWhenShown()) return;
     Show(false);
     TellHost(kHidden);
 }
 
 bool CDravelBar::OnFrameClose() {
-    if (context_.entry.Busy() || !grid_->LeaveCheck()) return false;
-    AskAtTheEnd();
+    if (Occupied() || !grid_->LeaveCheck()) return false;
+    context_.entry.FinishSaves();
+    if (book_.Changed()) {
+        askedAt_ = book_.Revision();
+        context_.entry.AskToSave();
+    }
     return true;
-}
-
-// Once for the same state of the book, hidden or not: the frame's closing asks, and so does the bar's end
-// when the frame never closed.
-void CDravelBar::AskAtTheEnd() {
-    if (!book_.Changed() || askedAt_ == book_.Revision()) return;
-    askedAt_ = book_.Revision();
-    context_.entry.AskToSave();
 }
 
 void CDravelBar::OnEndSession(bool ending) {
     if (!ending) return;
+    context_.entry.FinishSaves();
     if (book_.Changed()) context_.entry.SaveNow();
     KeepLayout();
 }
 
+// The frame's closing has asked already, unless the frame went without it or the book changed since.
 void CDravelBar::OnDestroy() {
-    AskAtTheEnd();
+    context_.entry.FinishSaves();
+    if (book_.Changed() && askedAt_ != book_.Revision()) context_.entry.AskToSave();
     KeepLayout();
     context_.entry.BookClosed();
     context_.notices.SetListener({});
-    grid_->SetStatusListener({});
+    if (grid_) grid_->SetStatusListener({});
     CVELTSDockingControlBar::OnDestroy();
 }
 

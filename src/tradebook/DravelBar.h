@@ -49,7 +49,7 @@ class CDravelBar final : public CVELTSDockingControlBar {
     void OpenStore();
     void LoadBook();
     void HideAndTell();
-    void AskAtTheEnd();
+    bool Occupied() const;
     Dravel::Rect GridRoom(const Dravel::Rect& content) const;
     void MakeStatusLine();
     void StatusStale();
@@ -63,5 +63,5 @@ class CDravelBar final : public CVELTSDockingControlBar {
     std::unique_ptr<CDravelGrid> grid_;
     Dravel::StatusLine status_;
     bool statusStale_ = false;   // ShowStatus is on its way
-    std::uint64_t askedAt_ = 0;  // the book's revision when the host's end was asked about
+    std::uint64_t askedAt_ = 0;  // the book's revision when its frame's closing was asked about
 };

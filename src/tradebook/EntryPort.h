@@ -50,6 +50,9 @@ class IEntry {
     virtual bool AskToSave() = 0;
     // Saves without asking and waits for the result: the session ends.
     virtual void SaveNow() = 0;
+    // Waits for what was saved before; a failure is told, and sets the changed flag again. To be called
+    // before the flag decides about a question at the end.
+    virtual void FinishSaves() = 0;
     // The drop-down of a cell while `typed` stands in its editor; empty: the cell has no list now.
     virtual void Choices(const TradeDraft& draft, int column, std::string_view typed,
                          std::vector<std::string>& choices) = 0;

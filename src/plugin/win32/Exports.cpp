@@ -8,6 +8,7 @@
 #include "plugin/MessageDispatch.h"
 #include "plugin/Registration.h"
 #include "plugin/win32/Plugin.h"
+#include "support/OuterCall.h"
 #include "toolkit/Module.h"
 
 namespace {
@@ -24,6 +25,16 @@ void Guarded(const char* entry, Work work) noexcept {
     }
 }
 
+// One call of the host. From the first on a crash leaves a dump.
+template <typename Work>
+void Entered(const char* entry, Work work) noexcept {
+    const Dravel::OuterCall call;
+    Guarded(entry, [&] {
+        Dravel::Plugin::Instance().WatchForCrashes();
+        work();
+    });
+}
+
 std::uint64_t Address(auto* entry) {
     return reinterpret_cast<std::uintptr_t>(entry);
 }
@@ -32,28 +43,24 @@ std::uint64_t Address(auto* entry) {
 
 void GetDllInfo(CTagReceiveQueue* output, std::uint8_t* flag) {
     if (!output || !flag) return;
-    Guarded("GetDllInfo", [&] {
-        Dravel::Plugin::Instance().WatchForCrashes();
+    Entered("GetDllInfo", [&] {
         Dravel::AppendRegistration(*output, *flag,
                                    {Address(&DravelBar), Address(&OnMessage), Address(&OnPluginMessage)});
     });
 }
 
 void DravelBar() {
-    Guarded("DravelBar", [] {
-        Dravel::Plugin::Instance().WatchForCrashes();
-        Dravel::Plugin::Instance().ShowBar();
-    });
+    Entered("DravelBar", [] { Dravel::Plugin::Instance().ShowBar(); });
 }
 
 void OnMessage(CTagMessageReader* reader) {
     if (!reader) return;
-    Guarded("OnMessage", [&] { Dravel::DispatchBroadcast(*reader); });
+    Entered("OnMessage", [&] { Dravel::DispatchBroadcast(*reader); });
 }
 
 void OnPluginMessage(CTagMessageReader* reader) {
     if (!reader) return;
-    Guarded("OnPluginMessage", [&] { Dravel::DispatchPluginMessage(*reader, Dravel::Plugin::Instance()); });
+    Entered("OnPluginMessage", [&] { Dravel::DispatchPluginMessage(*reader, Dravel::Plugin::Instance()); });
 }
 
 extern "C" const IMAGE_TLS_DIRECTORY _tls_used;
@@ -72,8 +79,14 @@ BOOL WINAPI DllMain(HINSTANCE module, DWORD reason, void* reserved) {
     if (reason == DLL_PROCESS_ATTACH) {
         DisableThreadLibraryCalls(module);
         Dravel::SetModule(module);
-        Guarded("DllMain", [] { Dravel::Plugin::Make(); });
-    } else if (reason == DLL_PROCESS_DETACH && !reserved) {
+        bool made = false;
+        Guarded("DllMain", [&made] {
+            Dravel::Plugin::Make();
+            made = true;
+        });
+        return made;
+    }
+    if (reason == DLL_PROCESS_DETACH && !reserved) {
         Dravel::Plugin::Unmake();
         Dravel::ReleaseModule();
         LeaveThread(module);

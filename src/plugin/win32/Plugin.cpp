@@ -11,6 +11,7 @@
 #include "plugin/Answers.h"
 #include "plugin/win32/Exports.h"
 #include "records/TradeFrame.h"
+#include "support/OuterCall.h"
 #include "toolkit/ActivationContext.h"
 #include "toolkit/Module.h"
 #include "toolkit/PopupWindow.h"
@@ -66,7 +67,7 @@ Plugin::OpenBook::OpenBook(Plugin& plugin)
 }
 
 void Plugin::ShowBar() {
-    if (showing_) return;
+    if (showing_ || parting_) return;
     showing_ = true;
     const struct Cleared {
         bool& flag;
@@ -85,10 +86,13 @@ void Plugin::ShowBar() {
         CreateBar();
         if (!open_) return;
     }
+    // The terminal may end the bar while it hears of the book.
     open_->bar.LoadProperties(kGridKey);
-    HandOverPendingItems();
+    if (!open_) return;
+    // What the terminal sends while it hears of them is no longer kept for later.
     created_ = true;
-    open_->bar.Focus();
+    HandOverPendingItems();
+    if (open_) open_->bar.Focus();
 }
 
 void Plugin::CreateBar() {
@@ -97,14 +101,15 @@ void Plugin::CreateBar() {
     HoldLibrary();
     TellFrameOfLog(frame);
     open_ = std::make_unique<OpenBook>(*this);
+    CDravelBar& bar = open_->bar;
     host_.LoadMasterFile(SystemFiles(), folder_.MasterFile(), log_);
-    if (!open_->bar.Create(frame, kBarTitle, kFloatingPlace, identifier)) {
+    if (!bar.Create(frame, kBarTitle, kFloatingPlace, identifier)) {
         BarGone();
         return;
     }
-    user_.Attach(open_->bar.Window(), &log_, &open_->answers, &open_->notices);
-    open_->bar.TakePlace();
-    open_->bar.Show(true);
+    user_.Attach(bar.Window(), &log_, &open_->answers, &open_->notices);
+    bar.TakePlace();
+    bar.Show(true);
 }
 
 // The terminal hears of each warning and error by the registered message "KRV_MSG_LOG": wParam is the level,
@@ -123,9 +128,20 @@ void Plugin::BarGone() {
     ClosePopups();
     user_.Attach(nullptr, nullptr, nullptr, nullptr);
     created_ = false;
-    std::unique_ptr<OpenBook> gone = std::move(open_);
+    parting_ = true;
+    // The bar may be gone under a box or a request of its own, which return to what it owned.
+    struct Parting {
+        Plugin& plugin;
+        std::unique_ptr<OpenBook> gone;
+        ~Parting() { plugin.LetGo(std::move(gone)); }
+    };
+    KeepForCalls(std::make_shared<Parting>(*this, std::move(open_)));
+}
+
+void Plugin::LetGo(std::unique_ptr<OpenBook> gone) {
     gone.reset();
     log_.Tell({});
+    parting_ = false;
     ReleaseLibrary();
 }
 
@@ -146,18 +162,20 @@ void Plugin::ReleaseLibrary() {
 }
 
 void Plugin::PendingItems() {
-    if (open_) HandOverPendingItems();
+    if (open_ && created_) HandOverPendingItems();
 }
 
 void Plugin::HandOverPendingItems() {
     std::vector<TradeRecord> items;
     items.swap(pending_);
-    for (TradeRecord& item : items)
+    for (TradeRecord& item : items) {
+        if (!open_) return;
         open_->bar.Book().Add(item);
+    }
 }
 
 void Plugin::AskToSave() {
-    if (open_) open_->bar.AskToSaveWhenShown();
+    if (open_ && created_) open_->bar.AskToSaveWhenShown();
 }
 
 void Plugin::EntryQuery() {

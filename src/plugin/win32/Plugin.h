@@ -2,7 +2,7 @@
 #pragma once
 
 #include <memory>
-#include <optional>
+#include <utility>
 #include <vector>
 
 #include "entry/DlgImportReport.h"
@@ -30,7 +30,9 @@ class Plugin final : public IPluginHandlers {
 
     // From now on a crash of the process leaves a dump. To be called by every entry: loading the library is
     // too early.
-    void WatchForCrashes() { InstallCrashDump(folder_.Log()); }
+    void WatchForCrashes() {
+        if (!std::exchange(watching_, true)) InstallCrashDump(folder_.Log());
+    }
 
     // Creates the bar, or shows and focuses it. A call that arrives while one runs does nothing: creating the
     // bar pumps messages.
@@ -51,7 +53,8 @@ class Plugin final : public IPluginHandlers {
         CFileLog& log_;
     };
 
-    // Lives exactly as long as the bar's window; the bar is the last member because it uses the others.
+    // Lives as long as the bar's window, and until the calls that are under way when that goes have ended.
+    // The bar is the last member because it uses the others.
     struct OpenBook {
         OpenBook(Plugin& plugin);
         LogThread logThread;
@@ -66,6 +69,7 @@ class Plugin final : public IPluginHandlers {
     void CreateBar();
     void TellFrameOfLog(void* frame);
     void BarGone();
+    void LetGo(std::unique_ptr<OpenBook> gone);
     void HandOverPendingItems();
     void HoldLibrary();
     void ReleaseLibrary();
@@ -79,8 +83,10 @@ class Plugin final : public IPluginHandlers {
     Entry entry_;
     std::unique_ptr<OpenBook> open_;
     std::vector<TradeRecord> pending_;  // trades that came while there was no grid
+    bool watching_ = false;             // for crashes
     bool showing_ = false;              // ShowBar runs
     bool created_ = false;              // the bar is complete: later calls only show it
+    bool parting_ = false;              // the bar's window is gone, what it owned is not
 };
 
 }  // namespace Dravel

@@ -6,7 +6,7 @@
 #include <cstring>
 #include <cwchar>
 
-#include "toolkit/ActivationContext.h"
+#include "toolkit/ModalLoop.h"
 #include "toolkit/win32/CommonDialogs.h"
 
 namespace Dravel {
@@ -68,7 +68,7 @@ bool ChooseFontDialog(void* owner, FontBytes& bytes) {
     request.hwndOwner = static_cast<HWND>(owner);
     request.lpLogFont = &font;
     request.Flags = CF_SCREENFONTS | CF_INITTOLOGFONTSTRUCT | CF_FORCEFONTEXIST;
-    const ActivationScope scope;
+    const ModalLoop modal;
     if (!CommonDialogs().ChooseFont(request)) return false;
     bytes = Bytes(font);
     return true;

@@ -6,6 +6,7 @@
 
 #include <exception>
 
+#include "support/OuterCall.h"
 #include "toolkit/Module.h"
 
 namespace Dravel {
@@ -21,6 +22,7 @@ LRESULT CALLBACK BoundProcedure(HWND window, UINT message, WPARAM wparam, LPARAM
     auto* object = reinterpret_cast<T*>(GetWindowLongPtrW(window, GWLP_USERDATA));
     if (object == nullptr) return DefWindowProcW(window, message, wparam, lparam);
     if (message == WM_NCDESTROY) SetWindowLongPtrW(window, GWLP_USERDATA, 0);
+    const OuterCall call;
     try {
         return static_cast<LRESULT>(object->HandleMessage(window, message, wparam, lparam));
     } catch (const std::exception& failure) {

@@ -1,7 +1,9 @@
 #include <windows.h>
 
+#include <exception>
 #include <mutex>
 
+#include "toolkit/Module.h"
 #include "tradebook/base/VELTSDockingControlBar.h"
 
 static constexpr UINT kRunPosted = WM_APP + 0x31;
@@ -19,8 +21,16 @@ void CVELTSDockingControlBar::RunPosted() {
         std::lock_guard guard(lock_);
         work.swap(posted_);
     }
-    for (const auto& item : work)
-        item();
+    for (const auto& item : work) {
+        if (closed_) return;  // by an item before it
+        try {
+            item();
+        } catch (const std::exception& failure) {
+            Dravel::ReportFailure("posted work", failure.what());
+        } catch (...) {
+            Dravel::ReportFailure("posted work", "unknown exception");
+        }
+    }
 }
 
 bool CVELTSDockingControlBar::OnMessage(std::uint32_t message, std::uintptr_t, std::intptr_t,
