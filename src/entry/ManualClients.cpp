@@ -21,13 +21,13 @@ bool ManualClients::FileIsThere() {
 
 void ManualClients::Load() {
     std::string text;
-    if (!FileIsThere() || !ReadTextFile(files_, path_, text)) return;
+    unread_ = FileIsThere() && !ReadTextFile(files_, path_, text, kManualClientsLimit);
     std::string_view rest = text;
     while (!rest.empty()) {
         const std::size_t end = std::min(rest.find('\n'), rest.size());
         const std::string_view id = rest.substr(0, end);
         rest.remove_prefix(std::min(end + 1, rest.size()));
-        if (id.empty() || ids_.contains(id)) continue;
+        if (id.empty()) continue;
         Add(id);
         Announce(std::string(id));
     }
@@ -35,6 +35,8 @@ void ManualClients::Load() {
 
 void ManualClients::Save() {
     if (!FileIsThere()) return;
+    if (unread_) Load();
+    if (unread_) return;
     std::string text;
     for (const std::string& id : ids_)
         text.append(id) += '\n';

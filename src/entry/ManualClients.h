@@ -1,6 +1,7 @@
 // Clients that the terminal does not know and the user accepted, kept in ManualClientId.txt.
 #pragma once
 
+#include <cstddef>
 #include <filesystem>
 #include <set>
 #include <string>
@@ -12,6 +13,9 @@
 
 namespace Dravel {
 
+// The longest file that is read, in bytes: some ten million identifiers.
+inline constexpr std::size_t kManualClientsLimit = std::size_t{256} * 1024 * 1024;
+
 // One identifier a line, in ascending byte order. User-interface thread. Nothing here fails aloud: a file
 // that cannot be opened is an empty one.
 class ManualClients {
@@ -20,9 +24,11 @@ class ManualClients {
     ManualClients(IFiles& files, IHost& host, std::filesystem::path folder)
         : files_(files), host_(host), path_(std::move(folder) / "ManualClientId.txt") {}
 
-    // Reads the file, lists each identifier as it stands in its line, and announces it to the terminal.
+    // Reads the file, lists each identifier as it stands in its line, and announces it to the terminal: with
+    // every book anew, and as often as the file has it.
     void Load();
-    // Writes the file anew and announces each identifier to the terminal.
+    // Writes the file anew and announces each identifier to the terminal. A file that could not be read is
+    // read first; as long as that fails it is left alone, or its clients would be lost.
     //
     // Both only create the file, empty, when it is not there: a save then keeps nothing until the next one.
     // Deliberate.
@@ -41,7 +47,8 @@ class ManualClients {
     IHost& host_;
     std::filesystem::path path_;
     std::set<std::string, std::less<>> ids_;
-    ClientList known_;  // the same ones, as records hold them
+    ClientList known_;     // the same ones, as records hold them
+    bool unread_ = false;  // the last load did not get at what the file holds
 };
 
 }  // namespace Dravel

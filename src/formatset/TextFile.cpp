@@ -51,13 +51,14 @@ FileStatus Swap(IFiles& files, const std::filesystem::path& beside, const std::f
 
 }  // namespace
 
-FileStatus ReadTextFile(IFiles& files, const std::filesystem::path& path, std::string& text) {
+FileStatus ReadTextFile(IFiles& files, const std::filesystem::path& path, std::string& text,
+                        std::size_t limit) {
     std::unique_ptr<IFile> file;
     if (const FileStatus status = files.Open(path, FileMode::Read, FileShare::DenyNone, file); !status)
         return status;
     std::uint64_t size = 0;
     if (const FileStatus status = file->Size(size); !status) return status;
-    if (size > kTextFileLimit) return {FileFault::Other, 0};
+    if (size > limit) return {FileFault::Other, 0};
     std::string bytes(static_cast<std::size_t>(size), '\0');
     std::size_t got = 0;
     if (const FileStatus status = file->Read(bytes.data(), bytes.size(), got); !status) return status;

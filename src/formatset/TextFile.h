@@ -11,11 +11,12 @@
 
 namespace Dravel {
 
-// A file longer than this is none of ours.
+// A file longer than this is none of ours, unless its reader knows better.
 inline constexpr std::size_t kTextFileLimit = std::size_t{16} * 1024 * 1024;
 
 // `text` is touched only on success. FileFault::Other with code 0: longer than the limit.
-FileStatus ReadTextFile(IFiles& files, const std::filesystem::path& path, std::string& text);
+FileStatus ReadTextFile(IFiles& files, const std::filesystem::path& path, std::string& text,
+                        std::size_t limit = kTextFileLimit);
 
 // Writes beside the file (".new" behind its name), flushes, then replaces it in one step: at every moment the
 // old or the new text is there whole. Waits up to half a second for a program that has the file open. Makes
