@@ -258,9 +258,14 @@ TEST_F(SetFolder, FirstLineIsReadWhateverFollows) {
         "a,b\r\nc\n");
     EXPECT_TRUE(FirstLineOf(disk, "set/x.csv", line));
     EXPECT_EQ(line, "a,b");
-    Put("x.csv", std::string(1 << 20, 'y'));
+    const std::string longLine = std::string(1 << 20, 'x') + ",last";
+    Put("x.csv", longLine + "\r\nc\n");
     EXPECT_TRUE(FirstLineOf(disk, "set/x.csv", line));
-    EXPECT_EQ(line.size(), 65536u);
+    EXPECT_EQ(line, longLine);
+    // A name that is cut could be another's.
+    Put("x.csv", "a,b," + std::string(kFirstLineLimit, 'y'));
+    EXPECT_TRUE(FirstLineOf(disk, "set/x.csv", line));
+    EXPECT_EQ(line, "a,b");
     Put("x.csv", "");
     EXPECT_TRUE(FirstLineOf(disk, "set/x.csv", line));
     EXPECT_EQ(line, "");

@@ -14,7 +14,7 @@ namespace {
 namespace fs = std::filesystem;
 using Name = fs::path::string_type;
 
-constexpr std::size_t kFirstLineLimit = 64 * 1024;
+constexpr std::size_t kFirstLineBlock = 64 * 1024;
 
 // Names are wide on one system and narrow on the other; only their ASCII characters are looked at.
 char32_t Letter(fs::path::value_type c) {
@@ -129,11 +129,22 @@ fs::path FormatSetFolder::FreeName(const fs::path& wanted) const {
 FileStatus FirstLineOf(IFiles& files, const fs::path& path, std::string& line) {
     std::unique_ptr<IFile> file;
     FileStatus status = files.Open(path, FileMode::Read, FileShare::DenyNone, file);
-    std::string front(kFirstLineLimit, '\0');
-    std::size_t got = 0;
-    if (status) status = file->Read(front.data(), front.size(), got);
+    std::string front;
+    std::size_t end = std::string::npos, got = 1;
+    while (status && got != 0 && end == std::string::npos && front.size() < kFirstLineLimit) {
+        const std::size_t before = front.size();
+        front.resize(before + kFirstLineBlock);
+        status = file->Read(front.data() + before, kFirstLineBlock, got);
+        front.resize(before + got);
+        end = front.find('\n', before);
+    }
     if (!status) return status;
-    front.resize(std::min(front.find('\n'), got));
+    // A name that is cut off could be another's.
+    if (end == std::string::npos && got != 0) {
+        const std::size_t comma = front.rfind(',');
+        end = comma == std::string::npos ? 0 : comma;
+    }
+    front.resize(std::min(end, front.size()));
     if (front.ends_with('\r')) front.pop_back();
     line = WithoutByteOrderMark(front);
     return status;

@@ -49,8 +49,10 @@ class FormatSetFolder {
     std::filesystem::path folder_;
 };
 
-// The first line of a file (its first 64 KB when it is longer), without line end and byte-order mark. Other
-// programs may hold the file open.
+inline constexpr std::size_t kFirstLineLimit = std::size_t{16} * 1024 * 1024;
+
+// The first line of a file, without line end and byte-order mark; of one that is longer than the limit the
+// cells that end within it. Other programs may hold the file open.
 FileStatus FirstLineOf(IFiles& files, const std::filesystem::path& path, std::string& line);
 
 }  // namespace Dravel
