@@ -1,6 +1,7 @@
 // Imports of CSV text into a book, with everybody around it made up.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <map>
 #include <set>
 
@@ -202,16 +203,109 @@ TEST_F(UnknownClients, CancelDropsThemUnasked) {
     EXPECT_EQ(disk.OpenHandles(), 0u);
 }
 
+TEST_F(UnknownClients, CancelledHalfwayThroughThemTheFirstOnesStay) {
+    CsvImport& import = Started(kFile);
+    ASSERT_TRUE(import.Begin("in.csv"));
+    while (user.boxes.empty())
+        ASSERT_TRUE(import.Step(100));
+    EXPECT_TRUE(import.Step(2));
+    import.Cancel();
+    EXPECT_FALSE(import.Step(100));
+    EXPECT_TRUE(import.Finish());
+    EXPECT_EQ(user.boxes, Strings{kQuestion});
+    EXPECT_EQ(book.Cells(column::Symbol), "2 1 3 ");
+    EXPECT_EQ(import.Counts().dropped, 3u);
+    EXPECT_EQ(import.Report().LinesSkipped(), 3u);
+    EXPECT_EQ(disk.Content("set/ManualClientId.txt").size(), 6u);  // A and B
+}
+
 TEST_F(UnknownClients, AStepWithinABoxDoesNothing) {
     CsvImport& import = Started(kFile);
-    user.whileShown = [&import] { EXPECT_TRUE(import.Step(100) || import.Report().LinesImported() > 0); };
+    user.answers = {kAnswerCancel};
+    user.whileShown = [&import] { EXPECT_TRUE(import.Step(100)); };
     ASSERT_TRUE(import.Begin("in.csv"));
     while (import.Step(1)) {
     }
     user.whileShown = nullptr;
     EXPECT_TRUE(import.Finish());
-    EXPECT_EQ(book.trades.size(), 5u);
-    EXPECT_EQ(user.boxes.size(), 2u);
+    EXPECT_EQ(book.trades.size(), 1u);
+}
+
+// What the terminal or the user is asked or told in the middle of a run is where something else can happen.
+class Interrupted : public testing::Test {
+ protected:
+    // Imports six lines, two of them of unknown clients; `happens` at the `at`th question. False: there are
+    // not so many.
+    bool RunAndAt(int at, const std::function<void()>& happens) {
+        rig = std::make_unique<ImportRig>();
+        rig->manual.Load();
+        report.reset();
+        int count = 0;
+        rig->host.onAsk = rig->host.onSend = rig->book.onAdd = rig->user.whileShown = [&] {
+            if (++count == at) happens();
+        };
+        rig->Started(
+               "clientid,exchange,securitytype,symbol,exchangetradeid\n"
+               "C1,XNSE,EQ,A,1\nX,XNSE,EQ,B,2\nC1,XNSE,EQ,A,1\n\nY,XNSE,EQ,C,3\nC2,XNSE,EQ,D,4\n",
+               [this](std::unique_ptr<ImportReport> done) { report = std::move(done); })
+            .Run("in.csv");
+        EXPECT_EQ(rig->book.batches, 0);
+        return count >= at;
+    }
+    std::unique_ptr<ImportRig> rig;
+    std::unique_ptr<ImportReport> report;  // handed on
+};
+
+TEST_F(Interrupted, AFailureBreaksTheRunOffAndAllIsAccountedFor) {
+    int at = 1;
+    for (; RunAndAt(at, [] { throw std::bad_alloc(); }); ++at) {
+        SCOPED_TRACE(at);
+        const std::string told = rig->user.boxes.back();
+        if (at == 1) {
+            EXPECT_EQ(told, "Dravel Import |The file could not be imported: std::bad_alloc");
+            continue;
+        }
+        EXPECT_TRUE(told.starts_with("Dravel Import |The import broke off: std::bad_alloc") || told == kDone);
+        EXPECT_EQ(rig->Finished(), 1u);
+        ASSERT_TRUE(report);
+        EXPECT_EQ(report->Lines(), 6u);
+        EXPECT_EQ(rig->disk.OpenHandles(), 0u);
+    }
+    EXPECT_EQ(rig->user.boxes.back(), kDone);
+    EXPECT_GT(at, 12);
+}
+
+TEST_F(Interrupted, ABookThatIsGoneIsNeverTouchedAgainAndNobodyIsAsked) {
+    int at = 1, calls = 0;
+    std::size_t boxes = 0;
+    const auto bookGoes = [&] {
+        rig->run->BookGone();
+        calls = rig->book.calls;
+        boxes = rig->user.boxes.size();
+    };
+    for (; RunAndAt(at, bookGoes); ++at) {
+        SCOPED_TRACE(at);
+        EXPECT_EQ(rig->book.calls, calls);
+        EXPECT_EQ(rig->user.boxes.size(), boxes);
+        EXPECT_EQ(rig->Finished(), 1u);
+        EXPECT_EQ(report != nullptr, boxes != 0 && rig->user.boxes.back() == kDone);
+        const auto& list = rig->disk.Content("set/ManualClientId.txt");
+        EXPECT_EQ(std::count(list.begin(), list.end(), '\n'), std::ssize(rig->manual.Ids()));
+    }
+    EXPECT_GT(at, 12);
+}
+
+TEST_F(Imports, WhenTheBookGoesBetweenTheStepsWhatCameInStays) {
+    CsvImport& import = Started("clientid,symbol\nC1,A\nC1,B\n");
+    ASSERT_TRUE(import.Begin("in.csv"));
+    EXPECT_TRUE(import.Step(1));
+    import.BookGone();
+    EXPECT_EQ(book.batches, 0);
+    EXPECT_FALSE(import.Step(1));
+    EXPECT_TRUE(import.Finish());
+    EXPECT_EQ(book.Cells(column::Symbol), "A ");
+    EXPECT_EQ(Finished(), 1u);
+    EXPECT_TRUE(user.boxes.empty());
 }
 
 TEST_F(Imports, SampleFileGoesInAsItWasGenerated) {

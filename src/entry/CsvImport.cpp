@@ -29,12 +29,44 @@ std::string_view LineOf(std::string_view raw, std::uint64_t number) {
 CsvImport::CsvImport(const ImportPorts& ports, const ImportMapping& mapping)
     : ports_(ports), plan_(mapping, ports.clock), hasHeader_(mapping.header), contracts_(ports.host) {}
 
-bool CsvImport::Tell(std::string_view text, Icon icon) {
+void CsvImport::Tell(std::string_view text, Icon icon) {
     ports_.user.Box(text, kTitle, Buttons::Ok, icon);
-    return false;
+}
+
+// What goes wrong breaks the run off as a cancellation does, so that all is accounted for; when that goes
+// wrong as well, the run ends where it stands.
+template <class Work>
+void CsvImport::Guarded(const Work& work) {
+    try {
+        work();
+    } catch (...) {
+        if (failure_) stage_ = Stage::Done;
+        if (!failure_) failure_ = std::current_exception();
+        counts_.cancelled = true;
+        Cancel();
+    }
+}
+
+std::string CsvImport::Failure() const {
+    try {
+        std::rethrow_exception(failure_);
+    } catch (const std::exception& failure) {
+        return failure.what();
+    } catch (...) {
+        return "unknown exception";
+    }
 }
 
 bool CsvImport::Begin(const std::filesystem::path& path) {
+    Guarded([&] { TryToBegin(path); });
+    if (!failure_) return stage_ != Stage::Idle;
+    stage_ = Stage::Idle;
+    CloseFile();  // it may be what takes up the memory
+    Guarded([this] { Tell("The file could not be imported: " + Failure(), Icon::Error); });
+    return false;
+}
+
+void CsvImport::TryToBegin(const std::filesystem::path& path) {
     const bool opened =
         static_cast<bool>(ports_.files.Open(path, FileMode::Read, FileShare::DenyNone, file_));
     if (opened) lines_ = std::make_unique<CsvLines>(*file_);
@@ -43,9 +75,8 @@ bool CsvImport::Begin(const std::filesystem::path& path) {
     file_->Size(fileSize_);
     report_ = std::make_unique<ImportReport>(path);
     if (!MatchFile()) return Tell("Please Select Proper File", Icon::Warning);
-    hostClients_.AddClientsOf(ports_.host);
     stage_ = Stage::Reading;
-    return true;
+    hostClients_.AddClientsOf(ports_.host);
 }
 
 bool CsvImport::MatchFile() {
@@ -68,6 +99,11 @@ bool CsvImport::Step(std::size_t maxLines) {
         explicit Guard(bool& stepping) : flag(stepping) { flag = true; }
         ~Guard() { flag = false; }
     } guard(stepping_);
+    Guarded([=, this] { Advance(maxLines); });
+    return stage_ != Stage::Done && stage_ != Stage::Idle;
+}
+
+void CsvImport::Advance(std::size_t maxLines) {
     if (cancelWanted_ && (stage_ == Stage::Reading || stage_ == Stage::Accepting)) Stop();
     if (stage_ == Stage::Reading) {
         ReadLines(maxLines);
@@ -76,7 +112,6 @@ bool CsvImport::Step(std::size_t maxLines) {
     } else if (stage_ == Stage::Listing) {
         ListLines(maxLines);
     }
-    return stage_ != Stage::Done && stage_ != Stage::Idle;
 }
 
 // False: there are no more. A file that is shorter than it was at the beginning was cut off, and so was the
@@ -96,13 +131,19 @@ bool CsvImport::NextLine(std::string_view& line) {
 }
 
 void CsvImport::HoldBatch() {
-    if (!batch_) batch_.emplace(ports_.book);
+    if (batched_) return;
+    ports_.book.BeginBatch();
+    batched_ = true;
+}
+
+void CsvImport::ShowTrades() {
+    if (std::exchange(batched_, false)) Guarded([this] { ports_.book.EndBatch(); });
 }
 
 void CsvImport::ReadLines(std::size_t maxLines) {
     HoldBatch();
     std::string_view line;
-    for (std::size_t count = 0; count < maxLines; ++count) {
+    for (std::size_t count = 0; count < maxLines && !bookGone_; ++count) {
         if (!NextLine(line)) return EndOfFile();
         DealWith(line);
     }
@@ -112,6 +153,7 @@ void CsvImport::DealWith(std::string_view line) {
     const std::string_view raw = lines_->Raw();
     if (line.empty()) return report_->Skipped(lineNumber_, raw, LineOutcome::Empty);
     MakeRecord(line, raw);
+    if (bookGone_) return;
     if ((doubts_.bits & doubt::NoContract) != 0) ++counts_.unknownContracts;
     const std::string_view client = TextOf(record_.clientID);
     if (plan_.ForcesClient() || hostClients_.Holds(client) || ports_.manualClients.Holds(client)) {
@@ -191,16 +233,24 @@ bool CsvImport::UserAccepts() {
 
 void CsvImport::AcceptLines(std::size_t maxLines) {
     HoldBatch();
-    for (std::size_t count = 0; count < maxLines && accepted_ < held_.size(); ++count)
-        Accept(held_[accepted_++]);
-    if (accepted_ < held_.size()) return;
+    for (std::size_t count = 0; count < maxLines && accepted_ < held_.size() && !bookGone_; ++count) {
+        Accept(held_[accepted_]);
+        ++accepted_;
+    }
+    if (accepted_ < held_.size() && !bookGone_) return;
     ShowTrades();
-    ports_.manualClients.Save();
+    SaveAccepted();
     stage_ = Stage::Done;
+}
+
+// The clients of the held-back lines that came in are manual ones from now on.
+void CsvImport::SaveAccepted() {
+    if (accepted_ > 0) ports_.manualClients.Save();
 }
 
 void CsvImport::Accept(const HeldLine& held) {
     MakeRecord(LineOf(held.raw, held.number), held.raw);
+    if (bookGone_) return;
     const std::string client(TextOf(record_.clientID));
     if (record_.userID[0] == '\0') SetText(record_.userID, client);
     if (record_.managerID[0] == '\0') SetText(record_.managerID, client);
@@ -208,13 +258,30 @@ void CsvImport::Accept(const HeldLine& held) {
     if (Enter(held.number, held.raw)) ports_.manualClients.Add(client);
 }
 
-// The user cancelled: what is in the book stays there.
+// What is in the book stays there.
 void CsvImport::Stop() {
     counts_.cancelled = true;
     ShowTrades();
+    AccountForLine();
     DropHeldLines(LineOutcome::HeldBack);
-    if (accepted_ > 0) ports_.manualClients.Save();
+    SaveAccepted();
     stage_ = stage_ == Stage::Reading ? Stage::Listing : Stage::Done;
+}
+
+// The line over which a run broke off is in the report, or it is not.
+void CsvImport::AccountForLine() {
+    const std::uint64_t known = report_->Lines() + held_.size() - accepted_ + (hasHeader_ ? 1 : 0);
+    if (stage_ == Stage::Reading && known < lineNumber_)
+        report_->Skipped(lineNumber_, lines_->Raw(), LineOutcome::NotRead);
+    if (stage_ == Stage::Accepting && known > lineNumber_) ++accepted_;
+}
+
+void CsvImport::BookGone() {
+    const bool accepting = stage_ == Stage::Accepting;
+    bookGone_ = counts_.cancelled = true;
+    if (stage_ != Stage::Idle) stage_ = Stage::Done;
+    ShowTrades();
+    if (accepting && !stepping_) Guarded([this] { SaveAccepted(); });
 }
 
 void CsvImport::DropHeldLines(LineOutcome outcome) {
@@ -244,17 +311,32 @@ bool CsvImport::Finish() {
         while (!stepping_ && Step(kRunSlice)) {
         }
     }
-    if (ports_.host.Listens()) {
-        CTagMessageWriter frame(msg::ImportFinished);
-        frame.Append64(tag::Entry, ports_.host.MessageEntry());
-        ports_.host.Send(frame);
-    }
     stage_ = Stage::Idle;
-    report_->Close();
     const bool imported = report_->LinesImported() > 0;
-    if (ports_.reportTo) ports_.reportTo(std::move(report_));
-    if (imported && !counts_.cancelled) Tell("File Imported Successfully", Icon::Information);
+    Guarded([this] { TellTerminal(); });
+    Guarded([this] {
+        report_->Close();
+        if (ports_.reportTo && !bookGone_) ports_.reportTo(std::move(report_));
+    });
+    Guarded([=, this] { TellUser(imported); });
     return imported;
+}
+
+void CsvImport::TellTerminal() {
+    if (!ports_.host.Listens()) return;
+    CTagMessageWriter frame(msg::ImportFinished);
+    frame.Append64(tag::Entry, ports_.host.MessageEntry());
+    ports_.host.Send(frame);
+}
+
+void CsvImport::TellUser(bool imported) {
+    if (bookGone_) return;
+    if (failure_) {
+        Tell("The import broke off: " + Failure() + ". The trades that came in stay in the book.",
+             Icon::Error);
+    } else if (imported && !counts_.cancelled) {
+        Tell("File Imported Successfully", Icon::Information);
+    }
 }
 
 bool CsvImport::Run(const std::filesystem::path& path, const std::function<void()>& between) {

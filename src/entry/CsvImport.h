@@ -2,11 +2,11 @@
 #pragma once
 
 #include <cstdint>
+#include <exception>
 #include <filesystem>
 #include <functional>
 #include <map>
 #include <memory>
-#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -37,6 +37,8 @@ struct ImportPorts {
     ManualClients& manualClients;
     // Takes the report at the end of a run; empty: nobody wants it.
     std::function<void(std::unique_ptr<ImportReport>)> reportTo = {};
+    // Where the dialog puts what ends it. Called when the book goes, while it still lives.
+    std::function<void()>* bookGoes = nullptr;
 };
 
 struct ImportCounts {
@@ -44,8 +46,8 @@ struct ImportCounts {
     std::uint64_t heldBack = 0;    // lines of unknown clients
     std::uint64_t dropped = 0;     // of those: not imported, because the user said no or cancelled
     std::uint64_t unknownContracts = 0;
-    bool asked = false;  // the question about unknown clients was put
-    bool cancelled = false;
+    bool asked = false;       // the question about unknown clients was put
+    bool cancelled = false;   // by the user, a failure, or the end of the book
     bool readFailed = false;  // the file ended where it could not be read on, or was cut off meanwhile
 };
 
@@ -60,10 +62,16 @@ std::string ProgressText(const ImportProgress& progress);
 // One run: Begin, Step until it returns false, Finish. On the user-interface thread; between the steps the
 // caller lets the windows live, and the book may take other trades. A step that is called from within a step
 // (a box lets timers through) does nothing.
+//
+// Nothing here throws but the constructor. A failure, memory that is used up for instance, breaks the run off
+// as the user's Cancel would; Finish then says so.
 class CsvImport {
  public:
     // The mapping must not change while the run lasts.
     CsvImport(const ImportPorts& ports, const ImportMapping& mapping);
+    ~CsvImport() { ShowTrades(); }
+    CsvImport(const CsvImport&) = delete;
+    CsvImport& operator=(const CsvImport&) = delete;
 
     // Opens the file and matches its header. False: it was told in a box why not, and the run is over without
     // a trace.
@@ -73,12 +81,15 @@ class CsvImport {
     bool Step(std::size_t maxLines);
     // The trades that came in are shown: at the latest before the question and at the end, else when this is
     // called. Showing them costs as much as importing some thousand lines.
-    void ShowTrades() { batch_.reset(); }
+    void ShowTrades();
     // What was imported stays. The next step drops the lines that are held back, without asking; further ones
     // only list the lines that were not read yet.
     void Cancel() { cancelWanted_ = true; }
-    // Tells the terminal that the import is over, hands the report on, and, unless the run was cancelled,
-    // tells the user. True: at least one trade entered the book.
+    // The book goes, perhaps because of what this run is just telling or asking somebody: the run is over and
+    // never touches the book again. Nothing is said any more, and the report goes to nobody.
+    void BookGone();
+    // Tells the terminal that the import is over, hands the report on, and tells the user, but not one who
+    // cancelled it. True: at least one trade entered the book.
     bool Finish();
 
     // All of it in one go; `between` is called between the steps.
@@ -90,17 +101,6 @@ class CsvImport {
     ImportProgress Progress() const;
 
  private:
-    // Shows the trades that come in while it lives together.
-    class Batch {
-     public:
-        explicit Batch(ITradeSink& book) : book_(book) { book_.BeginBatch(); }
-        ~Batch() { book_.EndBatch(); }
-        Batch(const Batch&) = delete;
-        Batch& operator=(const Batch&) = delete;
-
-     private:
-        ITradeSink& book_;
-    };
     enum class Stage : std::uint8_t { Idle, Reading, Accepting, Listing, Done };
     // Lines are kept as they stand in the file: a record is several times as long.
     struct HeldLine {
@@ -109,8 +109,13 @@ class CsvImport {
         std::uint32_t client;  // in the report
     };
 
-    bool Tell(std::string_view text, Icon icon);
+    template <class Work>
+    void Guarded(const Work& work);
+    std::string Failure() const;
+    void Tell(std::string_view text, Icon icon);
+    void TryToBegin(const std::filesystem::path& path);
     bool MatchFile();
+    void Advance(std::size_t maxLines);
     bool NextLine(std::string_view& line);
     void HoldBatch();
     void ReadLines(std::size_t maxLines);
@@ -126,7 +131,11 @@ class CsvImport {
     void CloseFile();
     bool UserAccepts();
     void Stop();
+    void AccountForLine();
     void DropHeldLines(LineOutcome outcome);
+    void SaveAccepted();
+    void TellTerminal();
+    void TellUser(bool imported);
 
     ImportPorts ports_;
     ImportPlan plan_;
@@ -152,7 +161,9 @@ class CsvImport {
     Stage stage_ = Stage::Idle;
     bool cancelWanted_ = false;
     bool stepping_ = false;
-    std::optional<Batch> batch_;  // held over several steps
+    bool bookGone_ = false;
+    bool batched_ = false;        // the book shows what comes in together; over several steps
+    std::exception_ptr failure_;  // the first one
 };
 
 }  // namespace Dravel

@@ -2,6 +2,7 @@
 
 #include <windows.h>
 
+#include <exception>
 #include <string>
 #include <system_error>
 
@@ -9,6 +10,7 @@
 #include "formatset/dialog/DlgFormatSet.h"
 #include "toolkit/AnsiText.h"
 #include "toolkit/FileDialog.h"
+#include "toolkit/Module.h"
 #include "tradebook/TradeColumns.h"
 
 using namespace Dravel;
@@ -84,7 +86,16 @@ DlgImportDravel::DlgImportDravel(const ImportPorts& ports, const BarContext& bar
 
 std::intptr_t DlgImportDravel::Open(void* owner, const std::filesystem::path& file) {
     file_ = file.wstring();
-    return DoModal(owner, Shape());
+    if (ports_.bookGoes != nullptr) *ports_.bookGoes = [this] { BookGone(); };
+    const std::intptr_t result = DoModal(owner, Shape());
+    if (import_) import_->Finish();  // the book or the frame went
+    return result;
+}
+
+void DlgImportDravel::BookGone() {
+    bookGone_ = true;
+    if (import_) import_->BookGone();
+    End(kDialogCancel);
 }
 
 // The set used last is chosen again; a file that is given may ask for another.
@@ -210,7 +221,7 @@ void DlgImportDravel::Remember(const std::filesystem::path& file) const {
 }
 
 void DlgImportDravel::OnOk() {
-    if (import_) return;
+    if (import_ || bookGone_) return;
     const std::filesystem::path path = FileToImport();
     if (path.empty()) {
         ports_.user.Box("Please Select File", "DravelImport", Buttons::Ok, Icon::Warning);
@@ -223,12 +234,12 @@ void DlgImportDravel::OnOk() {
         FocusItem(kPath);
         return;
     }
-    Remember(path);
     EnableControls(false);
     started_ = GetTickCount64();
     NextSlice();
 }
 
+    Remember(path);
 void DlgImportDravel::OnCancel() {
     if (import_) {
         import_->Cancel();
@@ -243,7 +254,19 @@ bool DlgImportDravel::OnMessage(std::uint32_t message, std::uintptr_t wparam, st
     result = 0;
     // Off while the slice runs: a box that it opens lets timers through.
     KillTimer(static_cast<HWND>(Window()), kSliceTimer);
-    if (import_) Slice();
+    if (!import_) return true;
+    bool more = true;
+    try {
+        more = Slice();
+    } catch (const std::exception& failure) {
+        // Of showing how far it is: the import never throws, and a run without a timer would never end.
+        ReportFailure("import dialog", failure.what());
+    }
+    if (more) {
+        NextSlice();
+    } else {
+        EndRun();
+    }
     return true;
 }
 
@@ -252,7 +275,8 @@ void DlgImportDravel::NextSlice() {
     SetTimer(static_cast<HWND>(Window()), kSliceTimer, USER_TIMER_MINIMUM, nullptr);
 }
 
-void DlgImportDravel::Slice() {
+// False: the run has come to its end.
+bool DlgImportDravel::Slice() {
     bool more = true;
     ULONGLONG now = GetTickCount64();
     do {
@@ -267,14 +291,15 @@ void DlgImportDravel::Slice() {
         import_->ShowTrades();
         ShowProgress();
     }
-    if (more) {
-        NextSlice();
-        return;
-    }
+    return more;
+}
+
+void DlgImportDravel::EndRun() {
     const bool imported = import_->Finish() && !import_->Counts().cancelled;
     import_.reset();
     if (imported) {
         End(kDialogOk);
+    if (bookGone_) return;
     } else {
         EnableControls(true);
     }

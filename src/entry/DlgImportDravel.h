@@ -19,7 +19,8 @@ void ShowImportDialog(void* owner, const ImportPorts& ports, const BarContext& b
 }  // namespace Dravel
 
 // The import runs in slices between the dialog's messages, so windows paint and answer all the while; the
-// dialog stays open as long as it runs. Cancel then ends the import and not the dialog.
+// dialog stays open as long as it runs. Cancel then ends the import and not the dialog; the end of the book
+// ends both.
 class DlgImportDravel final : public Dravel::DialogBase {
  public:
     DlgImportDravel(const Dravel::ImportPorts& ports, const Dravel::BarContext& bar);
@@ -44,8 +45,10 @@ class DlgImportDravel final : public Dravel::DialogBase {
     std::wstring FolderToPropose() const;
     void Remember(const std::filesystem::path& file) const;
     void NextSlice();
-    void Slice();
+    bool Slice();
     void ShowProgress();
+    void EndRun();
+    void BookGone();
     void EnableControls(bool idle);
 
     Dravel::ImportPorts ports_;
@@ -59,4 +62,5 @@ class DlgImportDravel final : public Dravel::DialogBase {
     std::uint64_t started_ = 0;                  // milliseconds, of the system's clock
     std::uint64_t shown_ = 0;                    // when the progress was shown last
     bool saysCancel_ = false;                    // the button names the run
+    bool bookGone_ = false;                      // the dialog is over, as soon as what runs in it returns
 };

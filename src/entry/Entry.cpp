@@ -15,6 +15,7 @@ void Entry::BookOpened(const BookParts& parts) {
 }
 
 void Entry::BookClosed() {
+    EndImport();
     context_.reportView.Close();
     report_.reset();
     // Either may be waiting for the answer to a box.
@@ -63,16 +64,27 @@ void Entry::Delete(IDraftView& view) {
     if (typing_) typing_->Delete(view);
 }
 
+// The dialog closes when what runs inside it has returned.
+void Entry::EndImport() {
+    if (bookGoes_) bookGoes_();
+}
+
 // Importing twice at a time would let the inner run see half of the outer one.
 void Entry::Import(void* owner, const std::filesystem::path& file) {
     if (!parts_ || !parts_->bar || importing_) return;
-    importing_ = true;
+    struct Open {
+        Entry& entry;
+        explicit Open(Entry& owner) : entry(owner) { entry.importing_ = true; }
+        ~Open() {
+            entry.bookGoes_ = nullptr;
+            entry.importing_ = false;
+        }
+    } const open(*this);
     context_.importDialog(
         owner,
         {context_.files, context_.host, context_.user, context_.clock, parts_->book, context_.clients,
-         [this](std::unique_ptr<ImportReport> report) { TakeReport(std::move(report)); }},
+         [this](std::unique_ptr<ImportReport> report) { TakeReport(std::move(report)); }, &bookGoes_},
         *parts_->bar, file);
-    importing_ = false;
 }
 
 void Entry::TakeReport(std::unique_ptr<ImportReport> report) {

@@ -1,6 +1,7 @@
 // Trade entry: what the user does to the book.
 #pragma once
 
+#include <functional>
 #include <memory>
 #include <optional>
 
@@ -54,6 +55,7 @@ class Entry final : public IEntry {
 
  private:
     void TakeReport(std::unique_ptr<ImportReport> report);
+    void EndImport();
 
     EntryContext context_;
     std::optional<BookParts> parts_;
@@ -61,6 +63,7 @@ class Entry final : public IEntry {
     std::unique_ptr<TradeEntry> typing_;
     std::shared_ptr<const ImportReport> report_;  // of the last import
     bool importing_ = false;                      // the import dialog is open
+    std::function<void()> bookGoes_;              // ends it
 };
 
 }  // namespace Dravel

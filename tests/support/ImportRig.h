@@ -1,6 +1,7 @@
 // An import with everybody around it made up: Import("text") runs it, what came of it stands in the members.
 #pragma once
 
+#include <functional>
 #include <map>
 #include <memory>
 #include <string>
@@ -21,14 +22,18 @@ using Strings = std::vector<std::string>;
 class FakeBook final : public ITradeSink {
  public:
     std::uint32_t HolderOf(const TradeRecord& record) const override {
+        ++calls;
         const auto holder = keys_.find(PlainKey(record));
         return holder == keys_.end() ? 0 : holder->second;
     }
     std::uint32_t AddUnlessHeld(TradeRecord& record) override {
         if (const std::uint32_t holder = HolderOf(record); holder != 0) return holder;
         Add(record);
+        if (onAdd) onAdd();
         return 0;
     }
+    void BeginBatch() override { ++calls, ++batches; }
+    void EndBatch() override { ++calls, --batches; }
     void Add(TradeRecord& record) {
         record.veltTradeID = record.veltOrderID = static_cast<std::uint32_t>(trades.size() + 1);
         keys_.emplace(PlainKey(record), +record.veltTradeID);
@@ -44,6 +49,9 @@ class FakeBook final : public ITradeSink {
         return all;
     }
     std::vector<TradeRecord> trades;
+    std::function<void()> onAdd;  // as the terminal may call back when it is told
+    int batches = 0;              // that are open
+    mutable int calls = 0;
 
  private:
     std::map<std::string, std::uint32_t> keys_;
@@ -56,9 +64,10 @@ class ImportRig {
         disk.MakeFolders("out");
     }
 
-    CsvImport& Started(const std::string& text) {
+    CsvImport& Started(const std::string& text, decltype(ImportPorts::reportTo) reportTo = {}) {
         disk.Put("in.csv", FileBytes(text.begin(), text.end()));
-        run = std::make_unique<CsvImport>(ImportPorts{disk, host, user, clock, book, manual}, mapping);
+        run = std::make_unique<CsvImport>(
+            ImportPorts{disk, host, user, clock, book, manual, std::move(reportTo)}, mapping);
         return *run;
     }
     bool Import(const std::string& text) { return Started(text).Run("in.csv"); }
