@@ -102,7 +102,7 @@ void DlgImportDravel::BookGone() {
 void DlgImportDravel::OnInit() {
     std::string last;
     if (bar_.settings.Open(kSettingsKey)) bar_.settings.ReadText(kLastSet, last);
-    sets_.Choose(Widen(last));
+    sets_.Choose(FromUtf8(last));
     ListSets();
     ShowChosen();
     if (!file_.empty()) TakeFile(file_);
@@ -165,8 +165,10 @@ void DlgImportDravel::ChooseListed() {
     ShowChosen();
 }
 
-// The set's name and folder go into their fields; a file that the user chose stays.
+// The set's name and folder go into their fields; a file that the user chose stays. A set that cannot be read
+// imports nothing: the file's own keys could take the wrong columns.
 void DlgImportDravel::ShowChosen() {
+    Enable(kDialogOk, Selected(kSet) <= 0 || !sets_.Chosen().empty());
     SetAnsiText(kFileName, ExpandFileName(sets_.Mapping().fileNameFormat, ports_.clock));
     const std::wstring path = Text(kPath), folder = Widen(sets_.Mapping().filePath);
     if (!path.empty() && path != setsPath_) return;
@@ -210,13 +212,13 @@ std::filesystem::path DlgImportDravel::FileToImport() const {
 std::wstring DlgImportDravel::FolderToPropose() const {
     std::string folder;
     if (bar_.settings.Open(kSettingsKey)) bar_.settings.ReadText(kLastFolder, folder);
-    return Widen(folder);
+    return FromUtf8(folder);
 }
 
 void DlgImportDravel::Remember(const std::filesystem::path& file) const {
     if (!bar_.settings.CreateKey(kSettingsKey)) return;
-    bar_.settings.WriteText(kLastSet, Narrow(sets_.Chosen().wstring()));
-    bar_.settings.WriteText(kLastFolder, Narrow(file.parent_path().wstring()));
+    bar_.settings.WriteText(kLastSet, Utf8(sets_.Chosen().wstring()));
+    bar_.settings.WriteText(kLastFolder, Utf8(file.parent_path().wstring()));
     bar_.SaveSettings();
 }
 
@@ -237,9 +239,9 @@ void DlgImportDravel::OnOk() {
     EnableControls(false);
     started_ = GetTickCount64();
     NextSlice();
+    Remember(path);
 }
 
-    Remember(path);
 void DlgImportDravel::OnCancel() {
     if (import_) {
         import_->Cancel();
@@ -297,9 +299,9 @@ bool DlgImportDravel::Slice() {
 void DlgImportDravel::EndRun() {
     const bool imported = import_->Finish() && !import_->Counts().cancelled;
     import_.reset();
+    if (bookGone_) return;
     if (imported) {
         End(kDialogOk);
-    if (bookGone_) return;
     } else {
         EnableControls(true);
     }

@@ -18,7 +18,8 @@ cp "$source"/samples/*.csv "$stage/samples/"
 cp -R "$source/samples/brokers" "$stage/samples/"
 case $(basename "$script") in import-sets*)
   mkdir -p "$stage/PLUGINDLLS/Dravel/Dravel/CSV/DravelFormateSet"
-  cp "$source"/samples/formatsets/*.CSV "$stage/PLUGINDLLS/Dravel/Dravel/CSV/DravelFormateSet/" ;;
+  cp "$source"/samples/formatsets/*.CSV "$stage/PLUGINDLLS/Dravel/Dravel/CSV/DravelFormateSet/"
+  head -c 300000 /dev/zero > "$stage/PLUGINDLLS/Dravel/Dravel/CSV/DravelFormateSet/Torn.CSV" ;;
 esac
 # A terminal that answers no requests, but has the file that it would answer from.
 case $(basename "$script") in master-file*) cp "$source/samples/SecurityMaster.csv" "$stage/" ;; esac

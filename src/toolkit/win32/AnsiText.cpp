@@ -12,15 +12,26 @@ int Units(std::size_t length) {
     return static_cast<int>(std::min<std::size_t>(length, std::numeric_limits<int>::max()));
 }
 
+std::string Bytes(UINT page, std::wstring_view text) {
+    if (text.empty()) return {};
+    const int count =
+        WideCharToMultiByte(page, 0, text.data(), Units(text.size()), nullptr, 0, nullptr, nullptr);
+    std::string bytes(static_cast<std::size_t>(count), '\0');
+    WideCharToMultiByte(page, 0, text.data(), Units(text.size()), bytes.data(), count, nullptr, nullptr);
+    return bytes;
+}
+
+// No page gives more units than bytes, so one pass is enough. 0: the text is none of the page, or empty.
+int WideUnits(UINT page, DWORD flags, std::string_view text, std::wstring& wide) {
+    wide.resize(text.size());
+    if (text.empty()) return 0;
+    return MultiByteToWideChar(page, flags, text.data(), Units(text.size()), wide.data(), Units(wide.size()));
+}
+
 }  // namespace
 
 void Widen(std::string_view text, std::wstring& wide) {
-    // No code page gives more units than bytes, so one pass is enough.
-    wide.resize(text.size());
-    const int count = text.empty() ? 0
-                                   : MultiByteToWideChar(CP_ACP, 0, text.data(), Units(text.size()),
-                                                         wide.data(), Units(wide.size()));
-    wide.resize(static_cast<std::size_t>(count));
+    wide.resize(static_cast<std::size_t>(WideUnits(CP_ACP, 0, text, wide)));
 }
 
 std::wstring Widen(std::string_view text) {
@@ -30,12 +41,19 @@ std::wstring Widen(std::string_view text) {
 }
 
 std::string Narrow(std::wstring_view text) {
-    if (text.empty()) return {};
-    const int count =
-        WideCharToMultiByte(CP_ACP, 0, text.data(), Units(text.size()), nullptr, 0, nullptr, nullptr);
-    std::string narrow(static_cast<std::size_t>(count), '\0');
-    WideCharToMultiByte(CP_ACP, 0, text.data(), Units(text.size()), narrow.data(), count, nullptr, nullptr);
-    return narrow;
+    return Bytes(CP_ACP, text);
+}
+
+std::string Utf8(std::wstring_view text) {
+    return Bytes(CP_UTF8, text);
+}
+
+std::wstring FromUtf8(std::string_view text) {
+    std::wstring wide;
+    const int count = WideUnits(CP_UTF8, MB_ERR_INVALID_CHARS, text, wide);
+    if (count == 0) return Widen(text);
+    wide.resize(static_cast<std::size_t>(count));
+    return wide;
 }
 
 }  // namespace Dravel

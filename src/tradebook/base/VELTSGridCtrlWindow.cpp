@@ -57,14 +57,6 @@ ClipboardPart TextPart(const std::wstring& text) {
     return {CF_UNICODETEXT, text.c_str(), (text.size() + 1) * sizeof(wchar_t)};
 }
 
-std::string Utf8(const std::wstring& text) {
-    const int length = static_cast<int>(text.size());
-    const int size = WideCharToMultiByte(CP_UTF8, 0, text.data(), length, nullptr, 0, nullptr, nullptr);
-    std::string bytes(static_cast<std::size_t>(size), '\0');
-    WideCharToMultiByte(CP_UTF8, 0, text.data(), length, bytes.data(), size, nullptr, nullptr);
-    return bytes;
-}
-
 std::vector<int> ShownColumns(const Dravel::GridColumns& columns) {
     std::vector<int> shown;
     for (int position = 0; position < columns.ShownCount(); ++position)
@@ -105,7 +97,7 @@ bool CVELTSGridCtrl::CopyAsHtml() {
     const std::vector<int> shown = ShownColumns(Columns());
     const std::wstring text = Dravel::Widen(Dravel::RowsAsText(*Source(), Selection(), shown));
     const std::string html = Dravel::ClipboardHtml(
-        Utf8(Dravel::Widen(Dravel::RowsAsHtml(*Source(), Selection(), Columns(), shown))));
+        Dravel::Utf8(Dravel::Widen(Dravel::RowsAsHtml(*Source(), Selection(), Columns(), shown))));
     const ClipboardPart parts[] = {{RegisterClipboardFormatW(kHtmlFormat), html.c_str(), html.size() + 1},
                                    TextPart(text)};
     if (!PutAll(static_cast<HWND>(Window()), parts)) {
