@@ -41,6 +41,7 @@ class Entry final : public IEntry {
     void Save() override;
     bool AskToSave() override;
     void SaveNow() override;
+    void EndImport() override;
     void FinishSaves() override;
     void Import(void* owner, const std::filesystem::path& file) override;
     void Choices(const TradeDraft& draft, int column, std::string_view typed,
@@ -55,7 +56,6 @@ class Entry final : public IEntry {
 
  private:
     void TakeReport(std::unique_ptr<ImportReport> report);
-    void EndImport();
 
     EntryContext context_;
     std::optional<BookParts> parts_;

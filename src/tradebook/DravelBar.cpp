@@ -134,6 +134,7 @@ bool CDravelBar::OnFrameClose() {
 
 void CDravelBar::OnEndSession(bool ending) {
     if (!ending) return;
+    context_.entry.EndImport();
     context_.entry.FinishSaves();
     if (book_.Changed()) context_.entry.SaveNow();
     KeepLayout();
@@ -141,6 +142,7 @@ void CDravelBar::OnEndSession(bool ending) {
 
 // The frame's closing has asked already, unless the frame went without it or the book changed since.
 void CDravelBar::OnDestroy() {
+    context_.entry.EndImport();
     context_.entry.FinishSaves();
     if (book_.Changed() && askedAt_ != book_.Revision()) context_.entry.AskToSave();
     KeepLayout();

@@ -50,6 +50,8 @@ class IEntry {
     virtual bool AskToSave() = 0;
     // Saves without asking and waits for the result: the session ends.
     virtual void SaveNow() = 0;
+    // Ends an import that runs, as far as it has come: what comes in later would miss the save at the end.
+    virtual void EndImport() = 0;
     // Waits for what was saved before; a failure is told, and sets the changed flag again. To be called
     // before the flag decides about a question at the end.
     virtual void FinishSaves() = 0;
