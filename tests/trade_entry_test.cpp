@@ -262,7 +262,16 @@ TEST_F(Entering, DeletingAsksAndReportsTwice) {
     EXPECT_EQ(user.boxes.size(), asked) << "no current cell";
 }
 
-TEST_F(Entering, ATerminalWithoutAMasterOrOneThatCallsBackLosesNoRow) {
+TEST_F(Entering, WithoutAMasterEveryTextIsTaken) {
+    host.hasMaster = false;
+    TypeAll({{column::Exchange, "X"}, {column::SecurityType, "fut"}, {column::Symbol, "IND50"}});
+    EXPECT_EQ(Cell(column::Exchange) + Cell(column::SecurityType), "Xfut") << "nothing completes them";
+    TypeAll({{column::Side, "Sell"}, {column::Quantity, "3"}, {column::Price, "4"}});
+    EXPECT_EQ(last, EditEnd::Committed);
+    EXPECT_EQ(TextOf(book.Row(0).securityID), "");
+}
+
+TEST_F(Entering, ATerminalThatCallsBackLosesNoRow) {
     TradeRecord fromHost{};
     host.onAsk = [&] {
         host.onAsk = {};

@@ -61,6 +61,7 @@ class FakeHost final : public IHost {
         ++asked[kind];
         if (onAsk) onAsk();
         MasterAnswer answer{};
+        if (!hasMaster && kind != master::Clients) return answer;
         const auto answerWith = [&](const std::vector<std::string>& choices) {
             list_.clear();
             for (const std::string& choice : choices)
