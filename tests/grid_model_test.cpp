@@ -152,6 +152,20 @@ TEST(GridModel, AnotherOrderKeepsTheCurrentRowWhereItIsOnTheScreen) {
     EXPECT_EQ(grid.State(), "-:0 top 0 sel");
 }
 
+TEST(GridModel, ACurrentRowThatGoesInAnotherOrderLeavesTheNearestOne) {
+    const std::pair<std::uint32_t, std::uint32_t> wentAndNow[] = {{6, 6}, {10, 6}, {20, 5}};
+    for (const auto& [end, now] : wentAndNow) {  // the rows from 6 to `end` go
+        Driver grid;
+        grid.Do("click 6").model.RowsReordered(26 - end, [end = end](std::uint32_t row) {
+            return row < 6 ? row : row < end ? kNoRow : row - (end - 6);
+        });
+        EXPECT_EQ(grid.model.CurrentRow(), now) << end;
+    }
+    Driver grid;
+    grid.Do("click 6").model.RowsReordered(4, [](std::uint32_t) { return kNoRow; });
+    EXPECT_EQ(grid.State(), "3:0 top 0 sel") << "all went: the place itself";
+}
+
 TEST(GridModel, AnEmptyGridTakesEveryKeyAndClick) {
     Driver grid(0);
     grid.Do("down up pgdn ctrl-end ctrl-a shift-down end right click 3 drag 2 remove 0 5 swap 0 1");

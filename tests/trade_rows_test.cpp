@@ -270,6 +270,10 @@ class RowsTest : public testing::Test, protected RowsRig {
         if (item != kNoItem && rows.RowOf(item) != kNoRow) {
             ASSERT_EQ(grid.CurrentRow(), rows.RowOf(item)) << name;
         }
+        // Whatever became of it, there is still one: the keyboard must not start at the top.
+        if (current != kNoRow && rows.RowCount() > 0) {
+            ASSERT_NE(grid.CurrentRow(), kNoRow) << name;
+        }
     }
     void Toggle(std::uint32_t row) {
         // The path as the plain model names it: that of any trade under the head, as far as its level.

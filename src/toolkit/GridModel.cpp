@@ -220,6 +220,18 @@ void GridModel::RowsSwapped(std::uint32_t a, std::uint32_t b) {
     MoveSpan();
 }
 
+// The new place of the row or, when it went, of the first below it that stayed, else of the last above it.
+std::uint32_t GridModel::Nearest(std::uint32_t row, std::uint32_t count,
+                                 const std::function<std::uint32_t(std::uint32_t)>& moved) const {
+    for (std::uint32_t below = row; below < RowCount(); ++below) {
+        if (const std::uint32_t to = moved(below); to != kNoRow) return to;
+    }
+    for (std::uint32_t above = row; above-- > 0;) {
+        if (const std::uint32_t to = moved(above); to != kNoRow) return to;
+    }
+    return count == 0 ? kNoRow : std::min(row, count - 1);
+}
+
 void GridModel::RowsReordered(std::uint32_t count,
                               const std::function<std::uint32_t(std::uint32_t)>& newRow) {
     const auto moved = [&](std::uint32_t row) {
@@ -229,7 +241,7 @@ void GridModel::RowsReordered(std::uint32_t count,
     const std::uint32_t onScreen = row_ == kNoRow ? kNoRow : row_ - view_.TopRow();
     const bool wasShown = row_ != kNoRow && row_ >= view_.TopRow() && row_ < view_.VisibleEnd();
     selection_.RowsReordered(moved);
-    row_ = moved(row_);
+    if (row_ != kNoRow) row_ = Nearest(row_, count, moved);
     anchor_ = moved(anchor_);
     MoveSpan();
     view_.SetRowCount(count);

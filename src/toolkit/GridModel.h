@@ -74,7 +74,8 @@ class GridModel {
     void RowsInserted(std::uint32_t at, std::uint32_t count);
     void RowsRemoved(std::uint32_t at, std::uint32_t count);
     void RowsSwapped(std::uint32_t a, std::uint32_t b);
-    // Another order or another set of rows: `newRow` gives the new place of an old row or kNoRow.
+    // Another order or another set of rows: `newRow` gives the new place of an old row or kNoRow. A current
+    // row that went leaves the one nearest to it.
     void RowsReordered(std::uint32_t count, const std::function<std::uint32_t(std::uint32_t)>& newRow);
     // Other rows altogether: nothing is current or selected, the view is at the top.
     void RowsReset(std::uint32_t count);
@@ -84,6 +85,8 @@ class GridModel {
 
     void Extend(std::uint32_t row, bool keepOthers);
     void MoveSpan();
+    std::uint32_t Nearest(std::uint32_t row, std::uint32_t count,
+                          const std::function<std::uint32_t(std::uint32_t)>& moved) const;
     void GoTo(std::uint32_t row, bool extend);
     bool MoveRow(GridKey key, GridModifiers modifiers);
     bool MoveColumn(GridKey key, GridModifiers modifiers);
