@@ -47,9 +47,11 @@ class CDravelGrid final : public CVELTSGridCtrl,
     // Writes the layout of the columns; a failure is logged.
     void SaveLayout();
     const Dravel::GridProperties& Properties() const { return properties_; }
-    // The trade of the current row when that is selected, else of the first selected row; nullptr without a
-    // selection.
-    const TradeRecord* SelectedTrade() const;
+    // The current row when it is selected, else the first selected one; heads of groups are none. kNoRow
+    // without a selection.
+    std::uint32_t SelectedRow() const;
+    // What a cell shows: also what was typed there and is not in the book yet.
+    std::string Cell(std::uint32_t row, int column) const;
     // Called after rows, selection or the changed flag may have changed; empty: nobody listens.
     void SetStatusListener(std::function<void()> listener) { statusListener_ = std::move(listener); }
     // The trades of the selected rows, from the top one down; heads of groups are none.
@@ -98,6 +100,7 @@ class CDravelGrid final : public CVELTSGridCtrl,
     // The trade in a row of the grid; kNoItem, nullptr: no trade stands there.
     Dravel::TradeItem ItemAt(std::uint32_t row) const;
     const TradeRecord* TradeAt(std::uint32_t row) const;
+    bool HasCells(std::uint32_t row) const;  // a trade or a row that is being typed, and no group's head
     std::uint32_t RowOf(Dravel::TradeItem item) const;  // kNoRow: not shown
 
     // Typing (DravelGridEntry.cpp)

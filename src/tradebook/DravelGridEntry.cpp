@@ -74,7 +74,7 @@ bool CDravelGrid::LeaveCheck() {
 }
 
 bool CDravelGrid::OnBeginEdit(std::uint32_t row, int column, std::string&, GridEditKind& kind) {
-    if (row >= drafts_.NewCount() && ItemAt(row) == kNoItem) return false;
+    if (!HasCells(row)) return false;
     if (!kTradeColumns[static_cast<std::size_t>(column)].editable) return false;
     kind = HasChoices(column) ? GridEditKind::Choice : GridEditKind::Text;
     SetRefusal({});
@@ -90,9 +90,9 @@ void CDravelGrid::OnEditChoices(std::uint32_t row, int column, std::string_view 
 }
 
 bool CDravelGrid::OnEndEdit(std::uint32_t row, int column, const std::string& text) {
+    if (!HasCells(row)) return true;
     const bool fresh = row < drafts_.NewCount();
     const TradeItem item = ItemAt(row);
-    if (!fresh && item == kNoItem) return true;
     TradeDraft& draft = fresh ? drafts_.NewAt(row) : drafts_.LayOver(item);
     const std::uint32_t id = draft.id;
     const EditEnd end = entry_.EndEdit(draft, column, text, *this);

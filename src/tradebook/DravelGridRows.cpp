@@ -33,6 +33,10 @@ TradeItem CDravelGrid::ItemAt(std::uint32_t row) const {
     return row < drafts || row >= RowCount() ? kNoItem : rows_.ItemAt(row - drafts);
 }
 
+bool CDravelGrid::HasCells(std::uint32_t row) const {
+    return row < drafts_.NewCount() || ItemAt(row) != kNoItem;
+}
+
 const TradeRecord* CDravelGrid::TradeAt(std::uint32_t row) const {
     const TradeItem item = ItemAt(row);
     return item == kNoItem ? nullptr : &book_.Record(item);
@@ -79,16 +83,20 @@ void CDravelGrid::GroupText(std::uint32_t row, std::string& text) const {
     text += ')';
 }
 
-const TradeRecord* CDravelGrid::SelectedTrade() const {
-    if (Selection().Contains(CurrentRow())) {
-        if (const TradeRecord* current = TradeAt(CurrentRow())) return current;
-    }
+std::uint32_t CDravelGrid::SelectedRow() const {
+    if (Selection().Contains(CurrentRow()) && HasCells(CurrentRow())) return CurrentRow();
     for (const GridRange& range : Selection().Ranges()) {
         for (std::uint32_t row = range.first; row <= range.last; ++row) {
-            if (const TradeRecord* trade = TradeAt(row)) return trade;
+            if (HasCells(row)) return row;
         }
     }
-    return nullptr;
+    return kNoRow;
+}
+
+std::string CDravelGrid::Cell(std::uint32_t row, int column) const {
+    std::string text;
+    CellText(row, column, text);
+    return text;
 }
 
 std::vector<TradeItem> CDravelGrid::SelectedItems() const {

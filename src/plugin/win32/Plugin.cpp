@@ -198,13 +198,10 @@ void Plugin::SelectedContract(CTagMessageReader& query) {
     const std::uint64_t address = ReplyAddress(query);
     if (address == 0) return;
     CTagMessageWriter answer(msg::SelectedContractAnswer);
-    const TradeRecord* const trade = open_ && created_ ? open_->bar.Grid()->SelectedTrade() : nullptr;
-    if (trade) {
-        const auto cell = [trade](column::Index index) {
-            std::string text;
-            CellText(*trade, index, text);
-            return text;
-        };
+    const CDravelGrid* const grid = open_ && created_ ? open_->bar.Grid() : nullptr;
+    const std::uint32_t row = grid ? grid->SelectedRow() : kNoRow;
+    if (row != kNoRow) {
+        const auto cell = [&](column::Index index) { return grid->Cell(row, index); };
         const std::string exchange = cell(column::Exchange), security = cell(column::SecurityID),
                           client = cell(column::ClientID), price = cell(column::Price);
         const SelectedCells cells{exchange, security, client, price};
