@@ -9,6 +9,7 @@
 #include "support/BookRig.h"
 #include "support/FakeHost.h"
 #include "support/FakeUser.h"
+#include "support/NoReports.h"
 #include "tradebook/TradeBook.h"
 
 using namespace Dravel;
@@ -177,13 +178,6 @@ TEST_F(ThreadsSaveTest, AGoodSaveAfterAFailedOneLeavesTheFlagClear) {
     EXPECT_EQ(OnDisk(), 300u);
     EXPECT_FALSE(book.Changed());
 }
-
-struct NoReports final : IImportReportView {
-    void Show(void*, std::shared_ptr<const ImportReport>) override {}
-    void Renew(std::shared_ptr<const ImportReport>) override {}
-    void Close() override {}
-    bool Asking() const override { return false; }
-};
 
 TEST_F(ThreadsSaveTest, AskingSavesOnYesOnlyAndAlwaysGoesOn) {
     parts.store = rig.file.get();

@@ -3,15 +3,24 @@
 
 #include <gtest/gtest.h>
 
+#include "entry/Entry.h"
 #include "message/Tags.h"
+#include "support/FakeClock.h"
 #include "support/FakeHost.h"
+#include "support/FakeLog.h"
 #include "support/FakeUser.h"
+#include "support/FaultFiles.h"
+#include "support/NoReports.h"
 
 namespace Dravel {
 namespace {
 
+using Test::FakeClock;
 using Test::FakeHost;
+using Test::FakeLog;
 using Test::FakeUser;
+using Test::FaultFiles;
+using Test::NoReports;
 using Strings = std::vector<std::string>;
 
 class Entering : public testing::Test, protected IUiThread, protected IDraftView {
@@ -67,7 +76,8 @@ class Entering : public testing::Test, protected IUiThread, protected IDraftView
     void GoTo(std::uint32_t draftID, int column) override {
         if (sheet.Find(draftID)) went.push_back(column);
     }
-    bool HasCurrentCell() const override { return draft != nullptr || !selected.empty(); }
+    bool Holds(std::uint32_t draftID) const override { return open && sheet.Find(draftID); }
+    bool HasCurrentCell() const override { return open && (draft != nullptr || !selected.empty()); }
     std::vector<TradeItem> SelectedItems() const override { return selected; }
     bool RemoveCurrentDraft() override {
         sheet.Remove(*std::exchange(draft, nullptr));
@@ -75,6 +85,7 @@ class Entering : public testing::Test, protected IUiThread, protected IDraftView
     }
     void TakeKeyboard() override {}
 
+    bool open = true;  // the grid's window is there
     FakeHost host;
     FakeUser user;
     TradeBook book{host};
@@ -284,6 +295,52 @@ TEST_F(Entering, ATerminalThatCallsBackLosesNoRow) {
     TypeAll({{column::Side, "Sell"}, {column::Quantity, "3"}, {column::Price, "4"}});
     EXPECT_EQ(last, EditEnd::Committed);
     EXPECT_EQ(+book.Row(0).quantity, 3u);
+    EXPECT_EQ(sheet.NewCount(), 1u);
+}
+
+// While the terminal or the user is asked the bar may go, or the row be taken away.
+TEST_F(Entering, WhatWentWhileItWasAskedForChangesNoBook) {
+    TradeRecord stored{};
+    stored.side = 1, stored.quantity = 10, stored.price = 5;
+    SetText(stored.exchange, "XNSE"), SetText(stored.securityType, "FUTIDX"), SetText(stored.symbol, "IND50");
+    book.Add(stored);
+    host.sent.clear();
+    const std::function<void()> goings[] = {[this] { open = false; }, [this] { sheet.Clear(); }};
+    for (const auto& going : goings) {
+        draft = &sheet.LayOver(book.ItemAt(0));
+        host.onAsk = going;
+        EXPECT_EQ(Type(column::ExpiryDate, "26Feb2026"), EditEnd::Kept);
+        EXPECT_EQ(TextOf(book.Row(0).expiryDate), "");
+        host.onAsk = {};
+        open = true;
+    }
+    selected = {book.ItemAt(0)};
+    user.whileShown = goings[0];
+    entry.Delete(*this);
+    EXPECT_EQ(book.RowCount(), 1u);
+    EXPECT_TRUE(host.sent.empty());
+}
+
+TEST_F(Entering, TheBookMayBeClosedWhileItsEntryRuns) {
+    FakeClock clock;
+    FaultFiles files(clock);
+    FakeLog log;
+    ManualClients clients(files, host, "CSV");
+    NoReports reports;
+    Entry whole({host, user, files, clock, clients, nullptr, reports});
+    const auto opened = [&] { whole.BookOpened({book, nullptr, *this, log, nullptr}); };
+    host.onAsk = user.whileShown = [&] {
+        open = false;
+        whole.BookClosed();
+    };
+    opened();
+    EXPECT_EQ(whole.EndEdit(*draft, column::Exchange, "XNSE", *this), EditEnd::Kept);
+    opened();
+    Strings choices;
+    whole.Choices(*draft, column::Exchange, {}, choices);
+    opened();
+    open = true;
+    whole.Delete(*this);
     EXPECT_EQ(sheet.NewCount(), 1u);
 }
 

@@ -10,7 +10,7 @@ namespace Dravel {
 void Entry::BookOpened(const BookParts& parts) {
     parts_.emplace(parts);
     saver_ = std::make_unique<TradeSaver>(parts, context_.user);
-    typing_ = std::make_unique<TradeEntry>(context_.host, context_.user, parts.book, parts.ui);
+    typing_ = std::make_shared<TradeEntry>(context_.host, context_.user, parts.book, parts.ui);
     context_.clients.Load();
 }
 
@@ -45,11 +45,12 @@ bool Entry::AskToSave() {
 
 void Entry::Choices(const TradeDraft& draft, int column, std::string_view typed,
                     std::vector<std::string>& choices) {
-    if (typing_) typing_->Choices(draft, column, typed, choices);
+    if (const auto typing = typing_) typing->Choices(draft, column, typed, choices);
 }
 
 EditEnd Entry::EndEdit(TradeDraft& draft, int column, std::string_view text, IDraftView& view) {
-    return typing_ ? typing_->EndEdit(draft, column, text, view) : EditEnd::Refused;
+    const auto typing = typing_;
+    return typing ? typing->EndEdit(draft, column, text, view) : EditEnd::Refused;
 }
 
 int Entry::NextColumn(const TradeDraft& draft, int column) const {
@@ -61,7 +62,7 @@ std::string Entry::Missing(const TradeDraft& draft) const {
 }
 
 void Entry::Delete(IDraftView& view) {
-    if (typing_) typing_->Delete(view);
+    if (const auto typing = typing_) typing->Delete(view);
 }
 
 // The dialog closes when what runs inside it has returned.

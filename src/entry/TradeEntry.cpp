@@ -135,6 +135,7 @@ bool TradeEntry::Complete(const TradeDraft& draft, int column, std::string& text
 
 EditEnd TradeEntry::EndEdit(TradeDraft& draft, int column, std::string_view typed, IDraftView& view) {
     if (!kTradeColumns[static_cast<std::size_t>(column)].editable) return EditEnd::Refused;
+    const auto kept = draft.weak_from_this().lock();
     std::string text(Trimmed(typed));
     if (!Complete(draft, column, text)) return EditEnd::Refused;
     const bool changed = text != Cell(draft, column);
@@ -142,6 +143,7 @@ EditEnd TradeEntry::EndEdit(TradeDraft& draft, int column, std::string_view type
         draft.Set(column, text);
         Cascade(draft, column, view);
     }
+    if (!view.Holds(draft.id)) return EditEnd::Kept;
     view.DraftChanged(draft);
     const bool contractEnds =
         changed && !draft.New() && IsContractCell(column) && Filled(draft, column::SecurityID);
@@ -256,6 +258,7 @@ void TradeEntry::Delete(IDraftView& view) {
     if (user_.Box("Are you sure want to delete Trade?", "Dravel", Buttons::OkCancel, Icon::Question) !=
         kAnswerOk)
         return;
+    if (!view.HasCurrentCell()) return;
     const std::vector<TradeItem> trades = view.SelectedItems();
     if (trades.empty()) {
         view.RemoveCurrentDraft();

@@ -14,7 +14,9 @@
 
 namespace Dravel {
 
-// User-interface thread. The terminal may call back while it is asked: drafts stay where they are meanwhile.
+// User-interface thread. The terminal may call back while it is asked, and so may anything else while the
+// user is: what was asked for by then is looked for anew, and a row, or a grid, that went brings nothing
+// about.
 class TradeEntry {
  public:
     // All outlive it.

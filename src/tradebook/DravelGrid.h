@@ -123,7 +123,8 @@ class CDravelGrid final : public CVELTSGridCtrl,
     void DraftChanged(const Dravel::TradeDraft& draft) override;
     void DraftEntered(Dravel::TradeDraft& draft, Dravel::TradeItem item) override;
     void GoTo(std::uint32_t draftID, int column) override;
-    bool HasCurrentCell() const override { return CurrentRow() != Dravel::kNoRow; }
+    bool Holds(std::uint32_t draftID) const override;
+    bool HasCurrentCell() const override { return Window() && CurrentRow() != Dravel::kNoRow; }
     bool RemoveCurrentDraft() override;
     void TakeKeyboard() override;
 

@@ -27,11 +27,10 @@ std::uint32_t CDravelGrid::RowOf(const TradeDraft& draft) const {
 }
 
 void CDravelGrid::AddDraft() {
-    drafts_.AddOnTop();
+    const std::uint32_t id = drafts_.AddOnTop().id;
     RowsInserted(0, 1);
-    ShowColumn(column::Exchange);
-    TakeKeyboard();
-    EditCell(0, column::Exchange);
+    GoTo(id, column::Exchange);
+    if (Holds(id)) EditCell(RowOf(*drafts_.Find(id)), column::Exchange);
 }
 
 bool CDravelGrid::RemoveCurrentDraft() {
@@ -156,11 +155,15 @@ void CDravelGrid::DraftEntered(TradeDraft& draft, TradeItem item) {
     if (current && row != kNoRow) SetCurrent(row, column);
 }
 
+bool CDravelGrid::Holds(std::uint32_t draftID) const {
+    return Window() && drafts_.Find(draftID);
+}
+
+// The terminal hears of the keyboard and may send trades at once: the row is looked for afterwards.
 void CDravelGrid::GoTo(std::uint32_t draftID, int column) {
-    const TradeDraft* const draft = drafts_.Find(draftID);
-    const std::uint32_t row = draft ? RowOf(*draft) : kNoRow;
-    if (row == kNoRow) return;
+    if (!Holds(draftID)) return;
     ShowColumn(column);
     TakeKeyboard();
-    SetCurrent(row, column);
+    const std::uint32_t row = Holds(draftID) ? RowOf(*drafts_.Find(draftID)) : kNoRow;
+    if (row != kNoRow) SetCurrent(row, column);
 }

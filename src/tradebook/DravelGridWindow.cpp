@@ -36,8 +36,9 @@ constexpr MenuEntry kMenu[] = {
 
 }  // namespace
 
+// Without a window the keyboard would be nobody's.
 void CDravelGrid::TakeKeyboard() {
-    SetFocus(static_cast<HWND>(Window()));
+    if (Window()) SetFocus(static_cast<HWND>(Window()));
 }
 
 void CDravelGrid::AcceptFiles() {

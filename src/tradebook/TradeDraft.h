@@ -16,8 +16,8 @@
 namespace Dravel {
 
 // A new row, or cells laid over a trade of the book. Cells that nobody set say what the trade says; those of
-// a new row are empty.
-struct TradeDraft {
+// a new row are empty. Shared with whoever works on it while it may be removed.
+struct TradeDraft : std::enable_shared_from_this<TradeDraft> {
     std::uint32_t id = 0;      // of its own among all drafts of the sheet's life
     TradeItem item = kNoItem;  // the trade that it lies over; kNoItem: a new row
     std::array<std::string, column::Count> cells;
@@ -85,9 +85,9 @@ class DraftSheet {
     bool Empty() const { return fresh_.empty() && over_.empty(); }
 
  private:
-    using Drafts = std::vector<std::unique_ptr<TradeDraft>>;
+    using Drafts = std::vector<std::shared_ptr<TradeDraft>>;
     TradeDraft& Add(Drafts& drafts) {
-        drafts.push_back(std::make_unique<TradeDraft>());
+        drafts.push_back(std::make_shared<TradeDraft>());
         drafts.back()->id = ++lastID_;
         return *drafts.back();
     }
@@ -106,7 +106,9 @@ class IDraftView {
     virtual void DraftEntered(TradeDraft& draft, TradeItem item) = 0;
     // Makes the cell the current one and takes the keyboard. Nothing when the draft is gone by now.
     virtual void GoTo(std::uint32_t draftID, int column) = 0;
-    virtual bool HasCurrentCell() const = 0;
+    // False: the row, or the window that shows it, went while the terminal or the user was asked.
+    virtual bool Holds(std::uint32_t draftID) const = 0;
+    virtual bool HasCurrentCell() const = 0;                   // false too without a window
     virtual std::vector<TradeItem> SelectedItems() const = 0;  // trades of the selected rows
     // The current row, if it is one that is being typed. False: it is not.
     virtual bool RemoveCurrentDraft() = 0;
