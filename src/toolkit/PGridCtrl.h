@@ -117,7 +117,9 @@ class CKRVPGridCtrl {
 
     // In-place editing. Opened by F2, a double click or a character, which it does not lose; ended by Enter,
     // Tab and the loss of the focus, cancelled by Escape.
-    bool EditCell(std::uint32_t row, int column);  // makes it current; false: it is not to be edited
+    // Makes the cell current. False: it is not to be edited. An open edit ends first, which may move the
+    // rows: who has one open ends it before it looks for the row.
+    bool EditCell(std::uint32_t row, int column);
     // False: the owner refused the text, the editor stays open. True without an editor.
     bool EndEdit(bool commit);
     bool Editing() const;
@@ -129,7 +131,7 @@ class CKRVPGridCtrl {
     bool RowLines() const { return rowLines_; }
     void ShowColumnLines(bool show);
 
-    // Current cell, selection, scrolling.
+    // Current cell, selection, scrolling. Another cell ends an open edit, as EditCell does.
     void SetCurrent(std::uint32_t row, int column);
     void SelectRows(Dravel::GridRange range);
     void AddSelection(Dravel::GridRange range);

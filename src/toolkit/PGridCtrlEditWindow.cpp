@@ -4,6 +4,7 @@
 #include <commctrl.h>
 
 #include <exception>
+#include <utility>
 
 #include "support/OuterCall.h"
 #include "toolkit/ActivationContext.h"
@@ -57,14 +58,14 @@ bool GridEditor::Make(const std::wstring& text) {
     // Above the filter's fields when it had to leave the view.
     SetWindowPos(field_, HWND_TOP, 0, 0, 0, 0, SWP_NOMOVE | SWP_NOSIZE | SWP_NOACTIVATE | SWP_SHOWWINDOW);
     SetFocus(field_);
-    return true;
+    return Active();  // who is told of the focus may do anything
 }
 
 bool GridEditor::Open(wchar_t typed) {
+    if (closing_ || !Close(true) || grid_.Window() == nullptr || grid_.Source() == nullptr) return false;
     const std::uint32_t row = grid_.CurrentRow();
     const int column = grid_.CurrentColumn();
-    if (closing_ || grid_.Window() == nullptr || grid_.Source() == nullptr || row == kNoRow) return false;
-    if (Active() && !Close(true)) return false;
+    if (row == kNoRow) return false;
     if (grid_.Columns().Position(column) < 0 || grid_.HeadOf(row).level >= 0) return false;
     std::string text;
     grid_.Source()->CellText(row, column, text);
@@ -86,11 +87,11 @@ void GridEditor::Drop() {
     list_.Close();
     if (field_ == nullptr) return;
     const HWND field = field_, window = static_cast<HWND>(grid_.Window());
-    closing_ = true;
+    const bool asking = std::exchange(closing_, true);  // of its row's end: then it goes on being asked
     if (GetFocus() == field) SetFocus(window);
     if (IsWindow(field)) DestroyWindow(field);
     field_ = nullptr;
-    closing_ = false;
+    closing_ = asking;
     grid_.Redraw();
 }
 
@@ -174,12 +175,15 @@ bool GridEditor::Notify(int id, int code, HWND field) {
     return true;
 }
 
-void GridEditor::FetchChoices() {
-    if (fetched_ || !HasButton()) return;
+// False: the field that they are for went while the owner was asked.
+bool GridEditor::FetchChoices() {
+    if (fetched_ || !HasButton()) return true;
+    const HWND field = field_;
     std::vector<std::string> choices;
     grid_.OnEditChoices(grid_.CurrentRow(), grid_.CurrentColumn(), typed_, choices);
+    if (!IsWindow(field) || field_ != field) return false;
     list_.Choices().Set(std::move(choices));
-    fetched_ = true;
+    return fetched_ = true;
 }
 
 // The user changed the text: the choices are asked for anew, and the first that begins with what was typed
@@ -189,7 +193,7 @@ void GridEditor::Changed() {
     const std::wstring text = Text();
     typed_ = Narrow(text);
     fetched_ = false;
-    FetchChoices();
+    if (!FetchChoices()) return;
     GridChoices& choices = list_.Choices();
     choices.Choose(choices.Find(typed_));
     // Only where the user types on at the end.
@@ -217,7 +221,7 @@ void GridEditor::TakeChosen() {
 }
 
 void GridEditor::OpenList() {
-    FetchChoices();
+    if (!FetchChoices()) return;
     GridChoices& choices = list_.Choices();
     if (choices.Chosen() == GridChoices::kNone) choices.Choose(choices.Find(Narrow(Text())));
     const Rect cell = grid_.CellRect(grid_.CurrentRow(), grid_.CurrentColumn());
@@ -341,12 +345,12 @@ bool GridEditor::ListKey(WPARAM key) {
 }
 
 // Commits and goes on to the cell that the owner names, else to the neighbour. True in any case: the key is
-// done with.
+// done with. The current cell stays on its row when rows come while the text is taken, a number would not.
 bool GridEditor::Leave(GridEditMove move) {
     const HWND window = static_cast<HWND>(grid_.Window());
+    if (!Close(true) || !IsWindow(window)) return true;
     std::uint32_t row = grid_.CurrentRow();
     int column = grid_.CurrentColumn();
-    if (!Close(true) || !IsWindow(window)) return true;
     const GridNext next = grid_.OnNextCell(move, row, column);
     if (next == GridNext::Cell) grid_.EditCell(row, column);
     if (next != GridNext::Neighbour) return true;

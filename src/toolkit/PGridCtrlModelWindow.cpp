@@ -216,8 +216,9 @@ void CKRVPGridCtrl::RowsInserted(std::uint32_t at, std::uint32_t count) {
 }
 
 void CKRVPGridCtrl::RowsRemoved(std::uint32_t at, std::uint32_t count) {
-    if (CurrentRow() >= at && CurrentRow() - at < count) state_->editor.Drop();
+    const bool edited = CurrentRow() >= at && CurrentRow() - at < count;
     model_.RowsRemoved(at, count);
+    if (edited) state_->editor.Drop();  // gives up the focus: who hears of it must find the rows in step
     ModelChanged();
 }
 
@@ -228,14 +229,15 @@ void CKRVPGridCtrl::RowsSwapped(std::uint32_t a, std::uint32_t b) {
 
 void CKRVPGridCtrl::RowsReordered(std::uint32_t count,
                                   const std::function<std::uint32_t(std::uint32_t)>& newRow) {
-    if (Editing() && (CurrentRow() == kNoRow || newRow(CurrentRow()) >= count)) state_->editor.Drop();
+    const bool lost = CurrentRow() == kNoRow || newRow(CurrentRow()) >= count;
     model_.RowsReordered(count, newRow);
+    if (lost) state_->editor.Drop();
     ModelChanged();
 }
 
 void CKRVPGridCtrl::RowsReset() {
-    state_->editor.Drop();
     model_.RowsReset(source_ == nullptr ? 0 : source_->RowCount());
+    state_->editor.Drop();
     ModelChanged();
 }
 

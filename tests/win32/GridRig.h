@@ -26,6 +26,7 @@ class Grid final : public CKRVPGridCtrl, private IGridSource {
     mutable int asked = 0;  // for cells' texts
     int head = -1;          // the row that is a group's head
     std::uint32_t rows = 20;
+    std::uint32_t comes = 0;  // rows on top whenever a text is taken or choices are asked for
     std::map<std::pair<std::uint32_t, int>, std::string> cells;  // edited ones
 
  private:
@@ -52,16 +53,19 @@ class Grid final : public CKRVPGridCtrl, private IGridSource {
         return column != 2;
     }
     void OnEditChoices(std::uint32_t, int, std::string_view, std::vector<std::string>& list) override {
+        Come();
         list = choices;
     }
     bool OnEndEdit(std::uint32_t row, int column, const std::string& text) override {
         told.push_back((refuse ? "refused " : "set ") + std::to_string(row) + "." + std::to_string(column) +
                        "=" + text);
+        Come();
         if (!refuse) cells[{row, column}] = text;
         return !refuse;
     }
     void OnCancelEdit(std::uint32_t row, int) override { told.push_back("cancel " + std::to_string(row)); }
-    GridNext OnNextCell(GridEditMove move, std::uint32_t&, int& column) override {
+    GridNext OnNextCell(GridEditMove move, std::uint32_t& row, int& column) override {
+        if (comes != 0) told.push_back("next of " + std::to_string(row));
         column = 1 - column;
         return chain && move == GridEditMove::Down ? GridNext::Cell : GridNext::Neighbour;
     }
@@ -84,6 +88,11 @@ class Grid final : public CKRVPGridCtrl, private IGridSource {
     bool OnCommand(std::uint32_t id) override {
         told.push_back("command " + std::to_string(id));
         return true;
+    }
+
+    void Come() {
+        rows += comes;
+        RowsInserted(0, comes);
     }
 
     bool open_ = true;

@@ -116,6 +116,17 @@ TEST_F(GridEdit, TheOwnerNamesTheNextCell) {
     EXPECT_EQ(State(), "3.1 'x' 0-1");
 }
 
+TEST_F(GridEdit, TheNextCellIsThatOfTheRowWhereverItIsByThen) {
+    grid.chain = true;
+    grid.comes = 2;
+    grid.SetCurrent(3, 1);
+    Do("f2 type:x enter");
+    EXPECT_EQ(Told(), "set 3.1=x; next of 5");
+    EXPECT_EQ(State(), "5.0 '5.0' 0-3");
+    Do("type:s tab");
+    EXPECT_EQ(Told(), "set 7.0=Sell; next of 9");
+}
+
 TEST_F(GridEdit, AHundredThousandChoicesAreAList) {
     grid.choices.clear();
     for (int i = 0; i < 100'000; ++i)

@@ -42,7 +42,7 @@ class GridEditor {
     bool Leave(Dravel::GridEditMove move);
     void ToggleList();
     void OpenList();
-    void FetchChoices();
+    bool FetchChoices();
     void Changed();
     void TakeChosen();
     void SetText(const std::wstring& text, int selectFrom);
