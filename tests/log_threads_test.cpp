@@ -3,6 +3,7 @@
 
 #include <atomic>
 #include <chrono>
+#include <functional>
 #include <random>
 #include <thread>
 
@@ -22,16 +23,22 @@ constexpr int kLinesEach = 4000;
 constexpr int kLinesEach = 20000;
 #endif
 
-// May be set while others read it.
+// May be set while others read it; local time may take its time.
 struct SharedClock final : IClock {
     std::atomic<std::int64_t> now = 1612051200;  // 2021-01-31 00:00:00
+    std::atomic<int> delay = 0;  // milliseconds, for any thread but the one that made the clock
+    const std::thread::id maker = std::this_thread::get_id();
     FakeClock At() const {
         FakeClock clock;
         clock.now = now;
         return clock;
     }
     std::int64_t Now() const override { return now; }
-    CivilTime LocalNow() const override { return At().LocalNow(); }
+    CivilTime LocalNow() const override {
+        if (std::this_thread::get_id() != maker)
+            std::this_thread::sleep_for(std::chrono::milliseconds(delay));
+        return At().LocalNow();
+    }
     std::int32_t ZoneOffset(std::int64_t) const override { return 0; }
     void Sleep(std::uint32_t) const override {}
 };
@@ -161,6 +168,16 @@ TEST_F(ThreadsLog, ANewDayBeginsThoughNothingIsSaid) {
     ++clock.now;
     EXPECT_TRUE(Eventually([&] { return fs::exists(root / "Log" / "Dravel_202101.zip"); }));
     EXPECT_TRUE(fs::exists(root / "Log" / "Dravel_20210201.log"));
+}
+
+// A stop that comes between the thread's look at it and its wait must end the wait, which is a minute long.
+TEST_F(ThreadsLog, AStopAtAnyMomentIsHeard) {
+    clock.delay = 2;
+    for (int moment = 0; moment < 24; ++moment) {
+        log.Start();
+        std::this_thread::sleep_for(std::chrono::milliseconds(moment));
+        ASSERT_LT(MillisecondsToStop(), 20000) << moment;
+    }
 }
 
 // A disk so slow that the queue overflows: errors all arrive, information is dropped and counted, closing

@@ -190,8 +190,9 @@ bool CFileLog::TimeIsUp() const {
     return Stopping() && SteadyMilliseconds() - stopTime_ >= kLogClosing;
 }
 
+// Reset before the look at what it tells of: a line or a stop that comes later sets it again.
 void CFileLog::Work() noexcept {
-    while (!Stopping()) {
+    for (wake_.Reset(); !Stopping(); wake_.Reset()) {
         const std::uint32_t wait = std::min(kLongestWait, UntilMidnight(clock_));
         bool done = false;
         try {
@@ -207,7 +208,6 @@ void CFileLog::Work() noexcept {
 }
 
 bool CFileLog::Round() {
-    wake_.Reset();
     const std::lock_guard guard(disk_);
     // Before the queue is emptied: lines of the days before are then in their files.
     const std::string today = Today(clock_);
