@@ -196,6 +196,24 @@ TEST_F(ArchiveTest, ADamagedArchiveIsMovedAside) {
     EXPECT_EQ(files.Content("Log/Dravel_202101.zip.damaged2"), Bytes("PK"));
 }
 
+// Another terminal writes to the file of yesterday as soon as nobody holds it any more.
+TEST_F(ArchiveTest, WhatIsWrittenBehindThePackingStays) {
+    bool written = false;
+    EXPECT_FALSE(archive.Run("20210303", [&] {
+        std::unique_ptr<IFile> file;
+        if (!written && files.Has("Log/Dravel_202102.zip.new") &&
+            files.Open("Log/Dravel_20210201.log", FileMode::Append, FileShare::DenyNone, file)) {
+            written = static_cast<bool>(file->Write("late", 4));
+        }
+        return true;
+    }));
+    ASSERT_TRUE(written);
+    EXPECT_EQ(files.Content("Log/Dravel_20210201.log"), Bytes(std::string(70000, 'x') + "late"));
+    EXPECT_FALSE(files.Has("Log/Dravel_20210228.log"));
+    EXPECT_TRUE(archive.Run("20210303", goOn));
+    EXPECT_EQ(Archived("202102")["Dravel_20210201_2.log"], std::string(70000, 'x') + "late");
+}
+
 // Whatever operation fails, and wherever the machine dies: each day is in its file or in its archive, whole,
 // and the next run finishes.
 TEST_F(ArchiveTest, NoFaultLosesADay) {

@@ -1,6 +1,7 @@
 // The log with its thread, on a real disk.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <atomic>
 #include <chrono>
 #include <functional>
@@ -43,7 +44,7 @@ struct SharedClock final : IClock {
     void Sleep(std::uint32_t) const override {}
 };
 
-// Each write takes its time; refuses while `broken`.
+// Each write takes its time; refuses while `broken`. `onOpen` hears of each file that is about to be opened.
 struct SlowFiles final : IFiles {
     struct File final : IFile {
         File(SlowFiles& disk, std::unique_ptr<IFile> real) : files(disk), file(std::move(real)) {}
@@ -64,6 +65,7 @@ struct SlowFiles final : IFiles {
     };
     FileStatus Open(const fs::path& path, FileMode mode, FileShare share,
                     std::unique_ptr<IFile>& file) override {
+        if (onOpen) onOpen(path, mode);
         std::unique_ptr<IFile> real;
         const FileStatus status = disk.Open(path, mode, share, real);
         if (status) file = std::make_unique<File>(*this, std::move(real));
@@ -81,6 +83,7 @@ struct SlowFiles final : IFiles {
     IFiles& disk = SystemFiles();
     std::atomic<int> delay = 0;
     std::atomic<bool> broken = false;
+    std::function<void(const fs::path&, FileMode)> onOpen;
 };
 
 struct ThreadsLog : ::testing::Test {
@@ -94,6 +97,12 @@ struct ThreadsLog : ::testing::Test {
         fs::remove_all(root);
     }
     std::map<std::string, std::string> Logs() { return ReadLogs(SystemFiles(), root / "Log"); }
+    std::size_t Lines(std::string_view text) {
+        std::size_t lines = 0;
+        for (const auto& [name, all] : Logs())
+            lines += Count(all, text);
+        return lines;
+    }
     bool Eventually(const std::function<bool()>& holds) {
         for (int i = 0; i < 1000 && !holds(); ++i)
             std::this_thread::sleep_for(std::chrono::milliseconds(5));
@@ -168,6 +177,48 @@ TEST_F(ThreadsLog, ANewDayBeginsThoughNothingIsSaid) {
     ++clock.now;
     EXPECT_TRUE(Eventually([&] { return fs::exists(root / "Log" / "Dravel_202101.zip"); }));
     EXPECT_TRUE(fs::exists(root / "Log" / "Dravel_20210201.log"));
+}
+
+// More errors than one round writes come from a disk that was full over midnight: the file that they belong
+// to is archived when it has all of them.
+TEST_F(ThreadsLog, NothingIsLostWhenADiskWasFullOverMidnight) {
+    constexpr std::size_t kLines = 3 * kLogQueue / 1000;
+    std::atomic<std::size_t> waited = 0;
+    files.onOpen = [&](const fs::path& path, FileMode) {
+        if (path.extension() == ".new") waited = std::max<std::size_t>(waited, log.Waiting());
+    };
+    files.broken = true;
+    log.Start();
+    for (std::size_t i = 0; i < kLines; ++i)
+        log.Line(LogLevel::Error, "Test", std::string(1000, 'x'));
+    clock.now += 86400;
+    files.broken = false;
+    EXPECT_TRUE(Eventually([&] { return fs::exists(root / "Log" / "Dravel_202101.zip"); }));
+    EXPECT_TRUE(Eventually([&] { return log.Waiting() == 0; }));
+    log.Stop();
+    EXPECT_EQ(Lines(" ERROR Test: x"), kLines);
+    EXPECT_EQ(waited, 0u) << "archived before it was whole";
+}
+
+// The clock is set back over midnight while the day's archive is written: what is said meanwhile belongs to
+// the file that is packed already and about to go.
+TEST_F(ThreadsLog, NothingIsLostWhenTheClockIsSetBackWhileArchiving) {
+    constexpr std::size_t kLines = 300;
+    std::atomic<bool> said = false;
+    files.onOpen = [&](const fs::path& path, FileMode mode) {
+        if (path.extension() != ".new" || mode != FileMode::Read || said.exchange(true)) return;
+        clock.now -= 86400;
+        for (std::size_t i = 0; i < kLines; ++i)
+            log.Line(LogLevel::Error, "Test", "late");
+        clock.now += 86400;
+    };
+    log.Line(LogLevel::Error, "Test", "in time");
+    clock.now += 86400;
+    log.Start();
+    EXPECT_TRUE(Eventually([&] { return Logs().contains("Dravel_20210131_2.log"); }));
+    log.Stop();
+    EXPECT_EQ(Lines("ERROR Test: in time"), 1u);
+    EXPECT_EQ(Lines("ERROR Test: late"), kLines);
 }
 
 // A stop that comes between the thread's look at it and its wait must end the wait, which is a minute long.

@@ -81,10 +81,7 @@ bool CFileLog::Queue(LogLevel level, std::string_view context, std::string_view 
     // The stamp is taken under the lock, so that stamps only grow.
     std::string line = LineText(clock_, level, context, text);
     const bool first = queue_.empty();
-    if (Admit(level, line)) {
-        queue_.push_back({level, std::move(line)});
-        waiting_ += queue_.back().text.size();
-    }
+    if (Admit(level, line)) Push(level, std::move(line));
     if (listener_ && level != LogLevel::Info) listener_(level);
     if (running_ && first) wake_.Set();
     return running_;
@@ -98,22 +95,33 @@ bool CFileLog::Admit(LogLevel level, std::string_view line) {
     return false;
 }
 
+void CFileLog::Push(LogLevel level, std::string line) {
+    queue_.push_back({level, std::move(line)});
+    waiting_ += queue_.back().text.size();
+}
+
 // Says how many lines were dropped, once there is room again.
 bool CFileLog::QueueReport() {
     if (dropped_ == 0 || (Today(clock_) == fullDay_ && running_)) return false;
     const std::string text = std::to_string(dropped_) + " lines were left out.";
-    queue_.push_back({LogLevel::Warning, LineText(clock_, LogLevel::Warning, kContext, text)});
-    waiting_ += queue_.back().text.size();
+    Push(LogLevel::Warning, LineText(clock_, LogLevel::Warning, kContext, text));
     dropped_ = 0;
     return true;
 }
 
-// Moves lines of one day out of the queue. False: there are none.
-bool CFileLog::TakeLines() {
+// The lock is held, and the disk's. False: what comes next is of a day before `day`.
+bool CFileLog::NextIsSince(std::string_view day) {
+    if (!lines_.empty()) return linesDay_ >= day;
+    return queue_.empty() || DayOf(queue_.front().text) >= day;
+}
+
+// Moves lines of one day out of the queue. False: there are none, or the next ones are of a day before
+// `since`.
+bool CFileLog::TakeLines(std::string_view since) {
     const std::lock_guard guard(lock_);
-    while (lines_.empty() && (!queue_.empty() || QueueReport()))
+    while (lines_.empty() && (!queue_.empty() || QueueReport()) && NextIsSince(since))
         TakeDay();
-    return !lines_.empty();
+    return !lines_.empty() && NextIsSince(since);
 }
 
 void CFileLog::TakeDay() {
@@ -131,11 +139,13 @@ void CFileLog::TakeDay() {
     }
 }
 
-// Writes what waits, about `most` bytes of it. The disk's lock is held. False: the disk refuses.
-bool CFileLog::Drain(std::size_t most) {
-    for (std::size_t written = 0; written < most && TakeLines();) {
+// Writes what waits, about `most` bytes of it, up to the first line of a day before `since`. The disk's lock
+// is held. False: the disk refuses.
+bool CFileLog::Drain(std::size_t most, std::string_view since) {
+    for (std::size_t written = 0; written < most && TakeLines(since);) {
         if (!file_.Append(linesDay_, lines_)) return false;
         written += lines_.size();
+        if (linesDay_ < archivedDay_) archivedDay_.clear();
         lines_.clear();
         if (file_.Size() < kMaxLogFile) continue;
         const std::lock_guard guard(lock_);
@@ -146,7 +156,7 @@ bool CFileLog::Drain(std::size_t most) {
 
 void CFileLog::DrainAsCaller() {
     const std::lock_guard guard(disk_);
-    Drain(SIZE_MAX);
+    Drain(SIZE_MAX, {});
     file_.Close();
 }
 
@@ -209,19 +219,25 @@ void CFileLog::Work() noexcept {
 
 bool CFileLog::Round() {
     const std::lock_guard guard(disk_);
-    // Before the queue is emptied: lines of the days before are then in their files.
     const std::string today = Today(clock_);
-    if (!Drain(kLogQueue) || !file_.Begin(today)) return false;
-    ArchiveWhenDue(today);
+    if (!Drain(kLogQueue, {}) || !file_.Begin(today)) return false;
+    if (ReachedDay(today)) ArchiveWhenDue(today);
     if (Today(clock_) != today) wake_.Set();
     return true;
+}
+
+// False: lines of the days before still wait to get into their files.
+bool CFileLog::ReachedDay(std::string_view day) {
+    const std::lock_guard guard(lock_);
+    return NextIsSince(day);
 }
 
 void CFileLog::ArchiveWhenDue(const std::string& today) {
     const std::int64_t now = clock_.Now(), since = now - archiveFailed_;
     if (archivedDay_ == today || (since >= 0 && since < kArchiveAgain)) return;
-    // Lines that come meanwhile are not kept waiting, nor is the archive by many of them.
-    const ZipPulse pulse = [this] { return Drain(4 * kChunk), !Stopping(); };
+    // Lines that come meanwhile are not kept waiting, nor is the archive by many of them. Those of an earlier
+    // day, because the clock is set back, do wait: the archive removes what it has packed.
+    const ZipPulse pulse = [&] { return Drain(4 * kChunk, today), !Stopping(); };
     if (archive_.Run(today, pulse)) {
         archivedDay_ = today;
     } else if (!Stopping()) {

@@ -66,13 +66,16 @@ class CFileLog final : public ILog {
 
     bool Queue(LogLevel level, std::string_view context, std::string_view text);
     bool Admit(LogLevel level, std::string_view line);
+    void Push(LogLevel level, std::string line);
     bool QueueReport();
-    bool TakeLines();
+    bool NextIsSince(std::string_view day);
+    bool TakeLines(std::string_view since);
     void TakeDay();
-    bool Drain(std::size_t most);
+    bool Drain(std::size_t most, std::string_view since);
     void DrainAsCaller();
     void Work() noexcept;
     bool Round();
+    bool ReachedDay(std::string_view day);
     void ArchiveWhenDue(const std::string& today);
     bool Stopping() const { return stopTime_ != 0; }
     bool TimeIsUp() const;

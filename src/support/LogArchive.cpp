@@ -77,7 +77,7 @@ bool LogArchive::ArchiveMonth(std::string_view month, const Names& names, const 
     fresh += ".new";
     std::unique_ptr<IFile> old;
     ZipDirectory directory;
-    Names taken;
+    Taken taken;
     bool done = OpenOld(archive, old, directory) && Write(fresh, old.get(), directory, names, taken, pulse);
     old.reset();
     done = done && Sound(fresh, pulse);
@@ -85,9 +85,20 @@ bool LogArchive::ArchiveMonth(std::string_view month, const Names& names, const 
         files_.Remove(fresh);
         return false;
     }
-    bool all = taken.size() == names.size();
-    for (const std::string& name : taken)
-        all = static_cast<bool>(files_.Remove(folder_ / name)) && all;
+    return RemovePacked(taken) && taken.size() == names.size();
+}
+
+// Another program may have written to a file since it was packed: what it wrote is nowhere else.
+bool LogArchive::RemovePacked(const Taken& taken) {
+    bool all = true;
+    for (const Packed& packed : taken) {
+        std::unique_ptr<IFile> file;
+        std::uint64_t size = 0;
+        const bool same = files_.Open(folder_ / packed.name, FileMode::Read, FileShare::DenyWrite, file) &&
+                          file->Size(size) && size == packed.size;
+        file.reset();
+        all = same && files_.Remove(folder_ / packed.name) && all;
+    }
     return all;
 }
 
@@ -113,7 +124,7 @@ bool LogArchive::MoveAside(const std::filesystem::path& archive) {
 }
 
 bool LogArchive::Write(const std::filesystem::path& path, IFile* old, const ZipDirectory& directory,
-                       const Names& names, Names& taken, const ZipPulse& pulse) {
+                       const Names& names, Taken& taken, const ZipPulse& pulse) {
     std::unique_ptr<IFile> file;
     if (!files_.Open(path, FileMode::Create, FileShare::DenyAll, file)) return false;
     ZipWriter writer(*file, pulse);
@@ -122,8 +133,9 @@ bool LogArchive::Write(const std::filesystem::path& path, IFile* old, const ZipD
         std::unique_ptr<IFile> day;
         const FileStatus opened = files_.Open(folder_ / name, FileMode::Read, FileShare::DenyWrite, day);
         if (!opened) continue;
-        if (!AddDay(writer, name, directory, *day, pulse)) return false;
-        taken.push_back(name);
+        std::uint64_t size = 0;
+        if (!day->Size(size) || !AddDay(writer, name, directory, *day, pulse)) return false;
+        taken.push_back({name, size});
     }
     return writer.Finish() && file->Close();
 }
