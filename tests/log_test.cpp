@@ -196,6 +196,30 @@ TEST_F(ArchiveTest, ADamagedArchiveIsMovedAside) {
     EXPECT_EQ(files.Content("Log/Dravel_202101.zip.damaged2"), Bytes("PK"));
 }
 
+// An entry that does not unpack is found when the copy is read back; one that only a password would open, in
+// the directory. The month goes into a new archive at once.
+TEST_F(ArchiveTest, AnArchiveWithADamagedEntryIsMovedAside) {
+    constexpr std::size_t kInText = 60, kLastFlags = 22 + 46 + 19 - 8;  // from the begin, from the end
+    ASSERT_TRUE(archive.Run("20210303", goOn));
+    const FileBytes whole = files.Content("Log/Dravel_202102.zip");
+    files.Put("Log/Dravel_20210215.log", Bytes("late"));
+    for (int pulses = 0; pulses < 5; ++pulses) {
+        int left = pulses;
+        EXPECT_FALSE(archive.Run("20210303", [&] { return left-- > 0; }));
+        EXPECT_EQ(files.Content("Log/Dravel_202102.zip"), whole) << "given up is not damaged";
+    }
+    int aside = 0;
+    for (const std::size_t place : {kInText, whole.size() - kLastFlags}) {
+        FileBytes damaged = whole;
+        damaged[place] ^= 1;
+        files.Put("Log/Dravel_202102.zip", damaged);
+        files.Put("Log/Dravel_20210215.log", Bytes("late"));
+        EXPECT_TRUE(archive.Run("20210303", goOn)) << place;
+        EXPECT_EQ(Archived("202102"), (Logs{{"Dravel_20210215.log", "late"}})) << place;
+        EXPECT_EQ(files.Content("Log/Dravel_202102.zip.damaged" + std::to_string(++aside)), damaged) << place;
+    }
+}
+
 // Another terminal writes to the file of yesterday as soon as nobody holds it any more.
 TEST_F(ArchiveTest, WhatIsWrittenBehindThePackingStays) {
     bool written = false;

@@ -45,6 +45,12 @@ bool AddDay(ZipWriter& writer, std::string_view name, const ZipDirectory& direct
     return file.Seek(0) && writer.Add(entryName, TimeOf(day), file);
 }
 
+bool AllSound(IFile& file, const ZipDirectory& directory, const ZipPulse& pulse) {
+    return std::ranges::all_of(directory.entries, [&](const ZipEntry& entry) {
+        return ReadZipEntry(file, entry, [&](std::string_view) { return pulse(); });
+    });
+}
+
 }  // namespace
 
 std::string LogFileName(std::string_view day) {
@@ -78,12 +84,14 @@ bool LogArchive::ArchiveMonth(std::string_view month, const Names& names, const 
     std::unique_ptr<IFile> old;
     ZipDirectory directory;
     Taken taken;
-    bool done = OpenOld(archive, old, directory) && Write(fresh, old.get(), directory, names, taken, pulse);
+    const bool sound = OpenOld(archive, old, directory) &&
+                       Write(fresh, old.get(), directory, names, taken, pulse) && Sound(fresh, pulse);
+    // Its entries are copied as they are, so one of them can be what is wrong.
+    const bool oldDamaged = !sound && old && !AllSound(*old, directory, pulse) && pulse();
     old.reset();
-    done = done && Sound(fresh, pulse);
-    if (!done || taken.empty() || !files_.Replace(fresh, archive)) {
+    if (!sound || taken.empty() || !files_.Replace(fresh, archive)) {
         files_.Remove(fresh);
-        return false;
+        return oldDamaged && MoveAside(archive) && ArchiveMonth(month, names, pulse);
     }
     return RemovePacked(taken) && taken.size() == names.size();
 }
@@ -144,10 +152,7 @@ bool LogArchive::Sound(const std::filesystem::path& path, const ZipPulse& pulse)
     std::unique_ptr<IFile> file;
     ZipDirectory directory;
     if (!files_.Open(path, FileMode::Read, FileShare::DenyWrite, file)) return false;
-    return ReadZipDirectory(*file, directory) &&
-           std::ranges::all_of(directory.entries, [&](const ZipEntry& entry) {
-               return ReadZipEntry(*file, entry, [&](std::string_view) { return pulse(); });
-           });
+    return ReadZipDirectory(*file, directory) && AllSound(*file, directory, pulse);
 }
 
 }  // namespace Dravel

@@ -21,8 +21,8 @@ std::string LogFileName(std::string_view day);
 // archive is written beside the old one, read back whole, swapped in by one rename, and only then are the
 // files removed: at any moment a line is in a file, in an archive, or in both. A file that another program
 // still writes, and a month for which the disk has no room, wait for the next call. An archive that cannot be
-// read is never written over: it is moved aside. A file that grew after it was packed stays; the next call
-// takes it once more.
+// read, or not in each of its entries, is never written over: it is moved aside. A file that grew after it
+// was packed stays; the next call takes it once more.
 //
 // Takes as long as it takes; `pulse` is called now and then and ends the work by answering false, from then
 // on each time. True: nothing is left to archive. Disk borrowed.

@@ -20,7 +20,8 @@ constexpr std::size_t kCrcInEntry = 14;  // checksum, packed size and size stand
 
 constexpr std::uint16_t kVersion = 20;  // the first that knows deflate
 constexpr std::uint16_t kStored = 0, kDeflated = 8;
-constexpr int kRawWindow = -15;  // deflate without a wrapper
+constexpr std::uint32_t kEncrypted = 1;  // of the flags
+constexpr int kRawWindow = -15;          // deflate without a wrapper
 
 using Piece = std::array<std::uint8_t, kPiece>;
 
@@ -111,6 +112,7 @@ bool ReadRecord(std::string_view& bytes, std::uint32_t entriesEnd, ZipEntry& ent
     const std::size_t name = Get16(bytes, 28);
     const std::size_t length = kRecordLength + name + Get16(bytes, 30) + Get16(bytes, 32);
     if (bytes.size() < length) return false;
+    const bool plain = (Get16(bytes, 8) & kEncrypted) == 0;
     entry.method = static_cast<std::uint16_t>(Get16(bytes, 10));
     entry.crc = Get32(bytes, 16);
     entry.packed = Get32(bytes, 20);
@@ -118,7 +120,7 @@ bool ReadRecord(std::string_view& bytes, std::uint32_t entriesEnd, ZipEntry& ent
     entry.offset = Get32(bytes, 42);
     entry.name = bytes.substr(kRecordLength, name);
     bytes.remove_prefix(length);
-    const bool known = entry.method == kStored || entry.method == kDeflated;
+    const bool known = plain && (entry.method == kStored || entry.method == kDeflated);
     return known && std::uint64_t{entry.offset} + kEntryLength + entry.packed <= entriesEnd;
 }
 
