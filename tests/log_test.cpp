@@ -1,6 +1,8 @@
 // The log without its thread: lines, days, disks that refuse; and the archive, over every fault of the disk.
 #include <gtest/gtest.h>
 
+#include <utility>
+
 #include "support/FakeClock.h"
 #include "support/FaultFiles.h"
 #include "support/FileLog.h"
@@ -141,9 +143,16 @@ TEST_F(LogTest, ListenersHearOfWhatIsNotInformation) {
     });
     for (const LogLevel level : {LogLevel::Info, LogLevel::Warning, LogLevel::Error})
         log.Line(level, "Test", "");
+    EXPECT_EQ(std::exchange(heard, ""), "WE");
+    files.plan = {.failAt = 1, .sticky = true};
+    for (std::size_t i = 0; i < kLogQueue / kMaxLogText + 1; ++i)
+        log.Line(LogLevel::Info, "Test", std::string(kMaxLogText, 'x'));
+    files.ClearPlan();
+    log.Line(LogLevel::Info, "Test", "");
+    EXPECT_EQ(heard, "W") << "of the warning that says what was left out, too";
     log.Tell({});
     Say("unheard");
-    EXPECT_EQ(heard, "WE");
+    EXPECT_EQ(heard, "W");
 }
 
 TEST_F(ArchiveTest, DaysOfEarlierMonthsGoIntoTheirArchives) {

@@ -106,6 +106,7 @@ bool CFileLog::QueueReport() {
     const std::string text = std::to_string(dropped_) + " lines were left out.";
     Push(LogLevel::Warning, LineText(clock_, LogLevel::Warning, kContext, text));
     dropped_ = 0;
+    if (listener_) listener_(LogLevel::Warning);
     return true;
 }
 

@@ -52,8 +52,8 @@ class CFileLog final : public ILog {
     // archive that is being written is given up. A single call of the system is not broken off.
     void Stop();
 
-    // Told of each warning and error as it comes, on the thread that logs it, under the log's lock: it must
-    // not wait for anything. Empty: nobody is told.
+    // Told of each warning and error as it comes, on the thread that logs it (the log's own for the warning
+    // that lines were left out), under the log's lock: it must not wait for anything. Empty: nobody is told.
     void Tell(Listener listener);
     // Bytes of text that wait.
     std::size_t Waiting() const;
