@@ -1,6 +1,6 @@
 ; The installer. make.sh defines VERSION (four numbers), ICON, STAGE (the folder tree as it is to lie in the terminal's
-; folder), DLL_SIZE and OUT. Exit codes: 0 done, 2 a file cannot be written, 3 no such folder; with 2 and 3 nothing has been
-; changed.
+; folder), DLL_SIZE and OUT. Exit codes: 0 done, 2 a file cannot be written, 3 no such folder; with 2 and 3 the library is the
+; one from before.
 Target amd64-unicode
 Unicode true
 SetCompressor /SOLID lzma
@@ -71,19 +71,26 @@ VIAddVersionKey LegalCopyright "Copyright (C) 2026 Dravel"
   ${EndIf}
 !macroend
 
+; IfNoFolder ... ${EndIf}. An empty folder would stand for the root of the drive.
+!macro IfNoFolder
+  ${If} $INSTDIR == ""
+  ${OrIfNot} ${FileExists} "$INSTDIR\*.*"
+!macroend
+
 Function .onInit
   !insertmacro ForWhom
   ${If} $INSTDIR == ""  ; no /D=
     ReadRegStr $INSTDIR SHCTX "${SETTINGS}" "TerminalFolder"
   ${EndIf}
   ${If} ${Silent}
-  ${AndIfNot} ${FileExists} "$INSTDIR\*.*"
-    !insertmacro Refuse "There is no such folder: $INSTDIR. Give the terminal's folder as /D=." 3
+    !insertmacro IfNoFolder
+      !insertmacro Refuse "There is no such folder: '$INSTDIR'. Give the terminal's folder as /D=. Nothing has been changed." 3
+    ${EndIf}
   ${EndIf}
 FunctionEnd
 
 Function .onVerifyInstDir
-  ${IfNot} ${FileExists} "$INSTDIR\*.*"
+  !insertmacro IfNoFolder
     Abort
   ${EndIf}
 FunctionEnd
@@ -92,7 +99,8 @@ Section
   !define TARGET "$INSTDIR\${HOME}"
   !insertmacro RefuseWhenLoaded "${TARGET}"
 
-  ; The library first: it is written beside the old one, measured, and put in its place in one step.
+  ; The library is written beside the old one and measured; when everything else is there, too, it is put in its place in one
+  ; step. A disk that fills up ends the section with 2 at the file that it has no room for.
   SetOverwrite try
   SetOutPath "${TARGET}"
   ClearErrors
@@ -100,20 +108,25 @@ Section
   FileOpen $0 "${TARGET}\Dravel64R.dll.new" r
   FileSeek $0 0 END $1
   FileClose $0
-  ${IfNot} ${Errors}
-  ${AndIf} $1 == ${DLL_SIZE}
-    System::Call 'kernel32::MoveFileEx(t "${TARGET}\Dravel64R.dll.new", t "${TARGET}\Dravel64R.dll", i ${REPLACE_AND_FLUSH}) i .r2'
-  ${Else}
-    StrCpy $2 0
-  ${EndIf}
-  ${If} $2 = 0
+  ${If} ${Errors}
+  ${OrIf} $1 <> ${DLL_SIZE}
     Delete "${TARGET}\Dravel64R.dll.new"
-    !insertmacro Refuse "${TARGET}\Dravel64R.dll cannot be written. End the terminal and see that the disk has room, then try again. Nothing has been changed." 2
+    !insertmacro Refuse "${TARGET}\Dravel64R.dll cannot be written. See that the disk has room, then try again. Nothing has been changed." 2
   ${EndIf}
 
-  SetOverwrite on
+  ClearErrors
   File /r /x Dravel64R.dll "${STAGE}/PLUGINDLLS/Dravel/*.*"
   WriteUninstaller "${TARGET}\Uninstall-Dravel.exe"
+  ${If} ${Errors}
+    Delete "${TARGET}\Dravel64R.dll.new"
+    !insertmacro Refuse "Not all files in ${TARGET} can be written. See that none of them is open or write-protected, then try again. Dravel64R.dll is the one from before." 2
+  ${EndIf}
+
+  System::Call 'kernel32::MoveFileEx(t "${TARGET}\Dravel64R.dll.new", t "${TARGET}\Dravel64R.dll", i ${REPLACE_AND_FLUSH}) i .r2'
+  ${If} $2 = 0
+    Delete "${TARGET}\Dravel64R.dll.new"
+    !insertmacro Refuse "${TARGET}\Dravel64R.dll cannot be replaced. End the terminal, then try again. Dravel64R.dll is the one from before." 2
+  ${EndIf}
   WriteRegStr SHCTX "${SETTINGS}" "TerminalFolder" "$INSTDIR"
   WriteRegStr SHCTX "${UNINSTALL}" "DisplayName" "Dravel"
   WriteRegStr SHCTX "${UNINSTALL}" "DisplayVersion" "${VERSION}"
@@ -125,6 +138,11 @@ Section
   WriteRegDWORD SHCTX "${UNINSTALL}" "NoModify" 1
   WriteRegDWORD SHCTX "${UNINSTALL}" "NoRepair" 1
 SectionEnd
+
+; A section that was ended: the disk is full.
+Function .onInstFailed
+  Delete "${TARGET}\Dravel64R.dll.new"
+FunctionEnd
 
 Function un.onInit
   !insertmacro ForWhom

@@ -37,6 +37,11 @@ code=0; run "$setup" /S '/D=Z:\no\such\folder' || code=$?
 [ $code -eq 3 ] && [ ! -e "$home/Dravel64R.dll" ] || fail "a folder that is not there gave $code"
 said "a folder that is not there is refused with 3"
 
+wine reg delete 'HKLM\Software\Dravel' /f >/dev/null 2>&1 || true
+code=0; run "$setup" /S > "$build/package/refusal.txt" || code=$?
+[ $code -eq 3 ] && grep -q 'no such folder' "$build/package/refusal.txt" || fail "no folder at all gave $code"
+said "no folder at all is refused with 3"
+
 run "$setup" /S "/D=$target" || fail "install gave $?"
 installed || fail "the library is not the one that was packed"
 for file in Readme.txt Licences.txt Manual/user-guide.html Uninstall-Dravel.exe; do [ -s "$home/$file" ] || fail "no $file"; done
@@ -46,6 +51,17 @@ echo old > "$home/Dravel64R.dll"
 run "$setup" /S || fail "update gave $?"
 installed || fail "the update left the old library"
 said "updated in the remembered folder"
+
+echo old > "$home/Dravel64R.dll"
+mv "$home/Readme.txt" "$home/Licences.txt" "$build/package"
+mkdir "$home/Readme.txt"
+code=0; run "$setup" /S > "$build/package/refusal.txt" || code=$?
+[ $code -eq 2 ] && grep -q 'Not all files' "$build/package/refusal.txt" || fail "a page that cannot be written gave $code"
+[ "$(cat "$home/Dravel64R.dll")" = old ] && [ ! -e "$home/Dravel64R.dll.new" ] || fail "the library went ahead of its pages"
+rmdir "$home/Readme.txt"
+run "$setup" /S || fail "installing after that gave $?"
+installed && [ -s "$home/Readme.txt" ] && [ -s "$home/Licences.txt" ] || fail "installing after that left something out"
+said "a page that cannot be written: exit code 2, and the library stays"
 
 (cd "$stage" && exec wine VELTSHost.exe --script "$(winepath -w "$root/packaging/keep-loaded.script")") > "$build/package/host.txt" 2>&1 &
 host=$!
