@@ -1,6 +1,5 @@
 #include "entry/TradeSaver.h"
 
-#include <exception>
 #include <string>
 #include <utility>
 
@@ -56,9 +55,9 @@ void TradeSaver::Begin() try {
     auto* const item = new BookSaveItem(*parts_.store, std::move(image), done);
     running_ = run;
     if (!writer_->Post(item)) KRV::Base::CarryOut(*item);
-} catch (const std::exception& failure) {
+} catch (...) {
     running_.reset();
-    Fail(failure.what());
+    Fail(kMemoryRanOut);
 }
 
 // Comes twice for a save that somebody waited for; the second time it is no longer the running one.

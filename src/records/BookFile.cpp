@@ -91,7 +91,7 @@ SaveResult BookFile::Save(const BookImage& image) {
         if (!result.ok) log_.Line(LogLevel::Error, kContext, result.reason);
         return result;
     } catch (...) {
-        return {false, "Memory ran out."};
+        return {false, kMemoryRanOut};
     }
 }
 

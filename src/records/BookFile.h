@@ -16,6 +16,8 @@ namespace Dravel {
 // Why nothing is saved by the second terminal that opens a book, or without a folder that can be written.
 inline constexpr char kBookNotOwned[] =
     "The book is open in another terminal, or its file could not be opened.";
+// Why, when the image of the book or a path to its file finds no room.
+inline constexpr char kMemoryRanOut[] = "Memory ran out.";
 
 struct SaveResult {
     bool ok = false;
