@@ -20,6 +20,8 @@ struct Entry {
 
 // The same text on all four colours: deliberate.
 constexpr const wchar_t* kColourText = L"Specifies the default dialog border color";
+// Nothing follows from these two yet.
+constexpr const wchar_t* kKeptText = L"Kept; all stored trades are always shown";
 
 constexpr Entry kFont[] = {
     {GridProperty::Font, PropertyKind::Font, L"Change Font", L"The font of all cells"}};
@@ -44,10 +46,10 @@ constexpr Entry kFreeze[] = {{GridProperty::ColumnFreeze, PropertyKind::Number, 
 constexpr Entry kOptions[] = {
     {GridProperty::ShowGridRow, PropertyKind::Check, L"Show Grid Row", L"Draws lines between the rows",
      nullptr, &P::showGridRow},
-    {GridProperty::CarryForwardTrade, PropertyKind::Check, L"Carry Forward Trade",
-     L"Keeps trades of earlier days in the book", nullptr, &P::carryForwardTrade},
-    {GridProperty::RemoveExpireTrade, PropertyKind::Check, L"Remove Expire Trade",
-     L"Leaves out trades of expired contracts", nullptr, &P::removeExpireTrade},
+    {GridProperty::CarryForwardTrade, PropertyKind::Check, L"Carry Forward Trade", kKeptText, nullptr,
+     &P::carryForwardTrade},
+    {GridProperty::RemoveExpireTrade, PropertyKind::Check, L"Remove Expire Trade", kKeptText, nullptr,
+     &P::removeExpireTrade},
     {GridProperty::TradeForGreekAnalysisOnly, PropertyKind::Check, L"Trade For Greek Analysis Only",
      L"Keeps the trades in the book and reports them for analysis only", nullptr,
      &P::tradeForGreekAnalysisOnly},
