@@ -3,10 +3,10 @@
 #include <xmmintrin.h>  // x64, with every compiler
 
 #include <algorithm>
-#include <array>
 #include <bit>
 #include <charconv>
 #include <cstring>
+#include <iterator>
 #include <memory>
 #include <string>
 #include <utility>
@@ -120,7 +120,7 @@ using E = SecurityMasterEntry;
 constexpr WriteCell kPrice = nullptr;  // needs the divisors
 
 // What a file holds under each column, by its number. Unlike the grid it has whole texts and six decimals.
-constexpr std::array<WriteCell, column::Count> kCells = {
+constexpr WriteCell kCells[] = {
     Server,
     Text<&R::userID>,
     Number<offsetof(R, veltTradeID)>,
@@ -154,6 +154,7 @@ constexpr std::array<WriteCell, column::Count> kCells = {
     Text<&R::terminalInfo>,
     Text<&R::pan>,
 };
+static_assert(std::size(kCells) == column::Count);
 
 std::vector<int> Selected(const GridColumns& columns, ExportMode mode) {
     const bool all = mode == ExportMode::AllColumns;
