@@ -18,9 +18,8 @@ void Entry::BookClosed() {
     EndImport();
     context_.reportView.Close();
     report_.reset();
-    // Either may be waiting for the answer to a box.
-    KeepForCalls(std::move(typing_));
-    KeepForCalls(std::move(saver_));
+    typing_.reset();
+    KeepForCalls(std::move(saver_));  // it may be waiting for the answer to its box
     parts_.reset();
 }
 
