@@ -78,7 +78,8 @@ KRV::VELT::TradeLoadReport BookFile::LoadBook(KRV::VELT::TradeSink sink) {
     log_.Line(LogLevel::Warning, kContext,
               "The record file was not read in full: " + std::to_string(report.bytesPassedOver) +
                   " bytes passed over, " + std::to_string(report.otherFrames) +
-                  " frames that are no trades, " + std::to_string(report.failedFrames) + " trades refused" +
+                  " frames that are no trades, " + std::to_string(report.damagedFrames) +
+                  " frames damaged, " + std::to_string(report.failedFrames) + " trades refused" +
                   (report.complete ? "" : ", and the disk failed on the way"));
     return report;
 }

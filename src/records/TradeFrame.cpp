@@ -188,12 +188,13 @@ bool LooksLikeFrame(const Byte* at, std::size_t size) {
     return true;
 }
 
-// How many bytes at the end of a frame belong to another one.
-std::size_t ForeignEnd(const Byte* frame, std::size_t size) {
-    for (std::size_t at = wire::kHeaderSize; at < size; ++at) {
-        if (LooksLikeFrame(frame + at, size - at)) return size - at;
-    }
-    return 0;
+// Whether the first `size` bytes end in the deleted mark, or in its tag.
+bool EndsInDeletedMark(const Byte* frame, std::size_t size) {
+    const auto markAt = [&](std::size_t bytesBefore) {
+        const Byte* at = frame + size - bytesBefore;
+        return at[0] == wire::kMark && wire::Get<tag::Tag>(at + 1) == tag::DeletedMark;
+    };
+    return markAt(4) || markAt(3);
 }
 
 // False when the tag is none of the table's.
@@ -205,6 +206,22 @@ inline bool TakeField(CTagMessageReader& frame, Byte* record, const std::array<F
     const Byte* behind = takers[index](rest.data(), rest.data() + rest.size(), record);
     frame.Step(static_cast<std::size_t>(behind - rest.data()));
     return true;
+}
+
+void TakeStoredField(CTagMessageReader& frame, Byte* record, bool& deleted) {
+    if (TakeField(frame, record, kStoredTakers)) return;
+    Byte mark = 0;
+    if (frame.CurrentTag() != tag::DeletedMark) {
+        frame.SkipValue();
+    } else if (frame.Read8(mark)) {
+        deleted = mark == 1;
+    }
+}
+
+// Whether the field at hand is the deleted mark and the last one; more than 1 in it is the `#` of a header.
+bool AtClosingMark(const CTagMessageReader& frame) {
+    const auto rest = frame.Unread();
+    return frame.CurrentTag() == tag::DeletedMark && rest.size() == 1 && rest[0] <= 1;
 }
 
 void FinishReading(TradeRecord& record, ISecurityMaster* master) {
@@ -238,25 +255,31 @@ void ReadTradeFrame(CTagMessageReader& frame, TradeRecord& record, ISecurityMast
     FinishReading(record, master);
 }
 
-// A sound frame is used up by all fields of the table in their order and the deleted mark; only others are
-// searched for what they may have swallowed.
+// One byte of a header proves nothing: a text may end in it. Behind the deleted mark there is no text.
+std::size_t ForeignBytes(const CTagMessageReader& frame) {
+    if (!frame.Plain()) return 0;
+    const std::size_t size = frame.Length();
+    const Byte* bytes = frame.Unread().data() + frame.Unread().size() - size;
+    for (std::size_t at = wire::kHeaderSize; at < size; ++at) {
+        if (!LooksLikeFrame(bytes + at, size - at)) continue;
+        if (size - at > 1 || EndsInDeletedMark(bytes, at)) return size - at;
+    }
+    return 0;
+}
+
+// A frame as it is written here is one run of fields, in the order of the table, and the deleted mark:
+// nothing can hide in it. Any other is searched for what it may have swallowed before more of it is believed,
+// which also keeps a file of nothing but headers from being walked again for each of them.
 StoredTradeEnd ReadStoredTrade(CTagMessageReader& frame, TradeRecord& record, ISecurityMaster* master) {
     StoredTradeEnd end;
     Byte* bytes = reinterpret_cast<Byte*>(&record);
-    bool sound = false;
-    while (frame.NextTag()) {
-        sound = false;
-        if (TakeField(frame, bytes, kStoredTakers)) continue;
-        Byte mark = 0;
-        if (frame.CurrentTag() != tag::DeletedMark) {
-            frame.SkipValue();
-        } else if (frame.Read8(mark)) {
-            end.deleted = mark != 0;
-            sound = frame.AtEnd();
-        }
+    bool field = frame.NextTag();
+    if (field && TakeField(frame, bytes, kStoredTakers)) field = frame.NextTag();
+    if (!field || !AtClosingMark(frame)) end.foreign = ForeignBytes(frame);
+    if (end.foreign > 0) return end;
+    for (; field; field = frame.NextTag()) {
+        TakeStoredField(frame, bytes, end.deleted);
     }
-    if (!sound && frame.Plain())
-        end.foreign = ForeignEnd(frame.Unread().data() - frame.Length(), frame.Length());
     FinishReading(record, master);
     return end;
 }

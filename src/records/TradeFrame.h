@@ -45,12 +45,14 @@ std::size_t BuildStoredTrade(const TradeRecord& record, bool deleted, std::uint8
 // unknown here and stepped over. When the record has no master entry yet, `master` (if any) is asked for it.
 void ReadTradeFrame(CTagMessageReader& frame, TradeRecord& record, ISecurityMaster* master = nullptr);
 
-// The same for a frame of the record file: the identity is restored, too.
+// Bytes at the end of a plain frame that belong to another one: its length is damaged, or it was cut short,
+// and it swallowed its neighbours. 0 as a rule. The bytes are searched up to the first header.
+std::size_t ForeignBytes(const CTagMessageReader& frame);
+
+// The same for a frame of the record file: the identity is restored, too. `record` comes in blank.
 struct StoredTradeEnd {
     bool deleted = false;
-    // Bytes at the end of a plain frame that belong to another one: its length is damaged, or it was cut
-    // short, and it swallowed its neighbours. The record is then worth nothing: read again what is in front
-    // of them.
+    // As ForeignBytes. The record is then worth nothing: read again what is in front of them.
     std::size_t foreign = 0;
 };
 StoredTradeEnd ReadStoredTrade(CTagMessageReader& frame, TradeRecord& record,

@@ -27,28 +27,39 @@ TradeLoadReport CKRVTradeImpl::LoadInto(TradeSink sink) {
 std::size_t CKRVTradeImpl::ReadFrame(CTagMessageReader& frame) {
     if (frame.MessageCode() != msg::StoredTrade) {
         ++report_.otherFrames;
-        return 0;
+        return ForeignBytes(frame);
     }
     TradeRecord trade{};
-    StoredTradeEnd end = ReadStoredTrade(frame, trade, master_);
+    const StoredTradeEnd end = ReadStoredTrade(frame, trade, master_);
     if (end.foreign > 0) {
-        trade = {};
-        end.deleted = ReadOwnPart(frame, end.foreign, trade);
+        ReadOwnPart(frame, frame.Length() - end.foreign);
+    } else {
+        HandOn(trade, end.deleted);
     }
-    sink_(trade, end.deleted);
-    ++report_.trades;
-    report_.deleted += end.deleted;
     return end.foreign;
 }
 
-// Reads a plain frame without its last `foreign` bytes. The bytes are still the file's, so a copy gets the
-// right length.
-bool CKRVTradeImpl::ReadOwnPart(const CTagMessageReader& frame, std::size_t foreign, TradeRecord& trade) {
-    const std::uint8_t* bytes = frame.Unread().data() - frame.Length();
-    std::vector<std::uint8_t> own(bytes, bytes + frame.Length() - foreign);
-    wire::Put(&own[wire::kLengthOffset], static_cast<std::uint16_t>(own.size() - wire::kHeaderSize));
-    CTagMessageReader reader(own.data(), static_cast<std::uint16_t>(own.size()));
-    return reader.Open().opened && ReadStoredTrade(reader, trade, master_).deleted;
+// Reads the first `length` bytes of a plain frame that swallowed its neighbours. The bytes are still the
+// file's, so a copy gets the right length. A trade is made of them only when its identifier is there, which
+// stands near the end: half a trade would show, and report, a position that nobody holds.
+void CKRVTradeImpl::ReadOwnPart(const CTagMessageReader& frame, std::size_t length) {
+    ++report_.damagedFrames;
+    const auto rest = frame.Unread();
+    const std::uint8_t* bytes = rest.data() + rest.size() - frame.Length();
+    std::vector<std::uint8_t> own(bytes, bytes + length);
+    wire::Put(&own[wire::kLengthOffset], static_cast<std::uint16_t>(length - wire::kHeaderSize));
+    CTagMessageReader reader(own.data(), static_cast<std::uint16_t>(length));
+    TradeRecord trade{};
+    StoredTradeEnd end;
+    if (reader.Open().opened) end = ReadStoredTrade(reader, trade, master_);
+    if (trade.veltTradeID == 0 || end.foreign > 0) return PassedOver(length);
+    HandOn(trade, end.deleted);
+}
+
+void CKRVTradeImpl::HandOn(const TradeRecord& trade, bool deleted) {
+    sink_(trade, deleted);
+    ++report_.trades;
+    report_.deleted += deleted;
 }
 
 bool CKRVTradeImpl::Append(const TradeRecord& trade, bool deleted) {

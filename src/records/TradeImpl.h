@@ -19,9 +19,12 @@ struct TradeLoadReport {
     std::uint64_t deleted = 0;          // of these, with the deleted mark
     std::uint64_t otherFrames = 0;      // well-formed frames that are no trades
     std::uint64_t failedFrames = 0;     // trades that the sink would not take
-    std::uint64_t bytesPassedOver = 0;  // no frame was made of them
+    std::uint64_t damagedFrames = 0;    // trades whose frame was cut short, or had a wrong length
+    std::uint64_t bytesPassedOver = 0;  // no trade was made of them, nor were they another frame
 
-    bool Clean() const { return complete && otherFrames == 0 && failedFrames == 0 && bytesPassedOver == 0; }
+    bool Clean() const {
+        return complete && otherFrames + failedFrames + damagedFrames + bytesPassedOver == 0;
+    }
 };
 
 class CKRVTradeImpl : public Base::CKRVFileImpl {
@@ -43,7 +46,8 @@ class CKRVTradeImpl : public Base::CKRVFileImpl {
     void FrameFailed() override { ++report_.failedFrames; }
 
  private:
-    bool ReadOwnPart(const CTagMessageReader& frame, std::size_t foreign, TradeRecord& trade);
+    void ReadOwnPart(const CTagMessageReader& frame, std::size_t length);
+    void HandOn(const TradeRecord& trade, bool deleted);
 
     Dravel::ISecurityMaster* master_;
     TradeSink sink_;

@@ -29,6 +29,22 @@ Trades SomeTrades(std::size_t count, std::uint32_t first) {
     return trades;
 }
 
+Trades TradesOfOneLength(std::size_t count, std::size_t frameBytes) {
+    Trades trades(count);
+    for (std::size_t i = 0; i < count; ++i) {
+        trades[i].veltTradeID = static_cast<std::uint32_t>(i + 1);
+        trades[i].productType = 1;
+        auto* bytes = reinterpret_cast<std::uint8_t*>(&trades[i]);
+        for (const TradeField& field : kTradeFields) {
+            const std::size_t missing = frameBytes - FramesOf({trades[i]}).size();
+            if (field.kind != FieldKind::Text) continue;
+            std::memset(bytes + field.offset, static_cast<int>('A' + i),
+                        std::min<std::size_t>(missing, field.capacity));
+        }
+    }
+    return trades;
+}
+
 BookImage ImageOf(const Trades& trades) {
     BookImage image;
     for (const TradeRecord& trade : trades) {

@@ -23,6 +23,8 @@ using Trades = std::vector<TradeRecord>;
 TradeRecord RandomTrade(std::uint64_t seed);
 // `count` trades with identifiers from `first` on.
 Trades SomeTrades(std::size_t count, std::uint32_t first = 1);
+// The same, every frame as long as the others: where one frame is wrong by its length, others end, too.
+Trades TradesOfOneLength(std::size_t count, std::size_t frameBytes = 512);
 BookImage ImageOf(const Trades& trades);
 FileBytes FramesOf(const Trades& trades);
 
