@@ -263,6 +263,13 @@ TEST(BookSave, BackupRules) {
     EXPECT_EQ(rig.Backups()[1], "DravelBook_Dravel_20210305_0005_2.ada");
     EXPECT_EQ(rig.disk.Content("Data/Backup/" + rig.Backups()[1]),
               FramesOf(SomeTrades(2)) + FileBytes(5, '?'));
+
+    // As where two books were joined by hand, each with a trade 1.
+    rig.Reopen();
+    rig.file->TradesReplaced(1);
+    EXPECT_TRUE(rig.log.Has("1 trades of the record file gave way"));
+    ASSERT_TRUE(rig.Save(SomeTrades(1)));
+    EXPECT_EQ(rig.Backups().size(), 3u);
 }
 
 TEST(BookSave, LaterOfTwoFramesAndDeletedOnesReachTheCallerInOrder) {

@@ -140,6 +140,7 @@ TEST_F(BookTest, OfTwoFramesWithOneIdentifierTheLaterCounts) {
     EXPECT_FALSE(book.HolderOf(Trade("B", "2")));
     EXPECT_TRUE(book.HolderOf(Trade("A2", "7")));
     EXPECT_EQ(book.Find(6)->deleted, 1);
+    EXPECT_EQ(book.Replaced(), 1u) << "a deleted mark that comes later replaces nothing";
 }
 
 TEST_F(BookTest, NamelessStoredTradesGetIdentifiersThatNobodyHolds) {

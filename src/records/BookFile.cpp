@@ -84,6 +84,14 @@ KRV::VELT::TradeLoadReport BookFile::LoadBook(KRV::VELT::TradeSink sink) {
     return report;
 }
 
+void BookFile::TradesReplaced(std::uint32_t count) {
+    const std::lock_guard guard(lock_);
+    holdsUnread_ = true;
+    log_.Line(
+        LogLevel::Warning, kContext,
+        std::to_string(count) + " trades of the record file gave way to later ones of the same identifier");
+}
+
 SaveResult BookFile::Save(const BookImage& image) {
     try {
         const std::lock_guard guard(lock_);

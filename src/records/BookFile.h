@@ -45,6 +45,9 @@ class BookFile final : public KRV::VELT::CKRVTradeImpl {
     // mark are told as such and are not to be shown. Of two trades with one identifier the later one counts:
     // who has the trades by identifier, the caller, sees to that.
     KRV::VELT::TradeLoadReport LoadBook(KRV::VELT::TradeSink sink);
+    // To be told after a load when so many trades gave way to different ones of the same identifier: logged,
+    // and kept by a dated backup as what was passed over is.
+    void TradesReplaced(std::uint32_t count);
 
     // Replaces the whole book by the image: returns ok once its bytes are on the disk. On failure the old
     // book stands as it was. Never throws.

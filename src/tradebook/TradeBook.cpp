@@ -1,6 +1,7 @@
 #include "tradebook/TradeBook.h"
 
 #include <algorithm>
+#include <cstring>
 #include <limits>
 
 #include "records/CodeTables.h"
@@ -30,6 +31,7 @@ void TradeBook::BeginLoad() {
     keys_.Clear();
     totals_ = {};
     counter_ = 0;
+    replaced_ = 0;
     SetChanged(false);
     if (shown && observer_) observer_->RowsReset();
 }
@@ -38,6 +40,7 @@ void TradeBook::Load(const TradeRecord& record, bool deleted) {
     if (HasIdentifier(record)) {
         counter_ = std::max(counter_, std::uint32_t{record.veltTradeID});
         if (const TradeStore::Slot known = trades_.Find(IdentifierOf(record)); known != TradeIndex::kNone) {
+            replaced_ += std::memcmp(&store_[known].record, &record, sizeof record) != 0;
             store_[known] = {record, deleted};
             return;
         }

@@ -57,6 +57,8 @@ class TradeBook final : public ITradeSink {
     void BeginLoad();
     void Load(const TradeRecord& record, bool deleted);
     void EndLoad();
+    // Of the last load: trades that a later, different one of the same identifier took the place of.
+    std::uint32_t Replaced() const { return replaced_; }
 
     // A new trade, on top: takes the next value of the counter as VELTTradeID and VELTOrderID, enters its
     // key, is reported, sets the changed flag. Returns its identifier.
@@ -134,6 +136,7 @@ class TradeBook final : public ITradeSink {
     RunningTotals totals_;
     std::uint64_t revision_ = 0;
     std::uint32_t counter_ = 0;
+    std::uint32_t replaced_ = 0;
     bool changed_ = false;
     bool analysisOnly_ = false;
 };
