@@ -76,20 +76,32 @@ build linux-tsan dravel_tests
 suite "threads, TSan" build/linux-tsan/dravel_tests '--gtest_filter=Threads*'
 
 build windows-checked all
-end "core, ASan and UBSan"
 check "the library exports four names" exports build/windows-checked/Dravel64R.dll
 check "the library needs only the system" imports build/windows-checked/Dravel64R.dll
 check "the library says what it is" tests/library-file.sh build/windows-checked/Dravel64R.dll
 
+# Beside the windows' scripts, with a display and a prefix of their own.
+(
+  trap stop_wine EXIT
+  start_xvfb && start_wine "$PWD/build/wine-beside" desktop
+  check "a crash leaves a minidump" tests/crash-dumps.sh build/windows-checked
+  check "package: install, update, refuse, uninstall, unzip" packaging/test-package.sh build/windows-checked
+) >build/logs/beside.txt 2>&1 &
+beside=$!
+
 trap stop_wine EXIT
 start_xvfb && start_wine "$PWD/build/wine" desktop
 suite "core, checked, under Wine" wine build/windows-checked/dravel_tests.exe
-check "a crash leaves a minidump" tests/crash-dumps.sh build/windows-checked
 for script in tests/gui/*.script; do
   check "window: $(basename "$script" .script)" tests/gui/run-script.sh build/windows-checked "$script"
 done
 check "the demo's two days" tools/demo/demo.sh build/windows-checked build/windows-checked/demo/stage build/windows-checked/demo/out
-check "package: install, update, refuse, uninstall, unzip" packaging/test-package.sh build/windows-checked
+
+wait "$beside"
+cat build/logs/beside.txt
+ok=$(grep -c '^ok ' build/logs/beside.txt)
+passed=$((passed + ok)) failed=$((failed + 2 - ok))
+end "core, ASan and UBSan"
 
 echo "$passed passed, $failed failed"
 [ "$failed" -eq 0 ] && [ "$passed" -gt 0 ]
