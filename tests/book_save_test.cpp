@@ -293,7 +293,7 @@ TEST(BookSave, LaterOfTwoFramesAndDeletedOnesReachTheCallerInOrder) {
 
 // Random work against a model: whatever happens, what a save acknowledged is there after the next start.
 TEST(BookSave, SimulationAgainstAModel) {
-    for (std::uint64_t seed = 1; seed <= 2000; ++seed) {
+    for (std::uint64_t seed = 1; seed <= 1000; ++seed) {
         SCOPED_TRACE(seed);
         std::mt19937_64 random(seed);
         BookRig rig;

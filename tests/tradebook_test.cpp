@@ -398,10 +398,11 @@ TEST_F(BookTest, TenThousandRandomOperationsAgreeWithAPlainBook) {
         }
         ASSERT_TRUE(book.Changed());
         ASSERT_EQ(book.RowCount(), plain.rows.size());
-        ASSERT_EQ(book.Totals().bought, plain.Quantity(side::Buy));
-        ASSERT_EQ(book.Totals().sold, plain.Quantity(side::Sell));
         const TradeRecord probe = someTrade();
         ASSERT_EQ(book.HolderOf(probe) != 0, plain.keys.contains(PlainKey(probe)));
+        if (step % 20 != 0) continue;
+        ASSERT_EQ(book.Totals().bought, plain.Quantity(side::Buy));
+        ASSERT_EQ(book.Totals().sold, plain.Quantity(side::Sell));
         if (step % 100 != 0) continue;
         for (std::uint32_t i = 0; i < plain.rows.size(); ++i) {
             ASSERT_EQ(+book.Row(i).veltTradeID, +plain.rows[i].veltTradeID) << i;
