@@ -29,15 +29,22 @@ HWND Control(const std::string& name) {
     return control;
 }
 
-HWND AwaitDialog(Stage& stage, const std::wstring& title, const std::wstring& text = L"") {
+HWND AwaitBox(Stage& stage, const std::wstring& title, const std::wstring& text) {
     HWND found = nullptr;
     if (!stage.Holds([&] { return (found = FindBox(title, text)) != nullptr; }, stage.limit))
         Fail("it does not come; " + DescribeDialogs());
     return found;
 }
 
+// Topmost, as the commands that follow act on the topmost dialog: one that lies under a dialog which is still
+// going is not there yet.
 void WaitDialog(Stage& stage, const Words& words) {
-    AwaitDialog(stage, FromUtf8(words[0]));
+    const std::wstring title = FromUtf8(words[0]);
+    const auto topmost = [&title] {
+        const HWND dialog = FindDialog(L"");
+        return dialog && dialog == FindDialog(title);
+    };
+    if (!stage.Holds(topmost, stage.limit)) Fail("it does not come; " + DescribeDialogs());
 }
 
 void Press(HWND dialog, const std::string& name) {
@@ -52,7 +59,7 @@ void Answer(Stage& stage, HWND box, const std::string& button) {
 }
 
 void ExpectBox(Stage& stage, const Words& words) {
-    const HWND box = AwaitDialog(stage, FromUtf8(words[0]), FromUtf8(words[1]));
+    const HWND box = AwaitBox(stage, FromUtf8(words[0]), FromUtf8(words[1]));
     if (words.size() > 2) Answer(stage, box, words[2]);
 }
 
@@ -133,7 +140,7 @@ void NoDialogs(Stage& stage, const Words&) {
 
 void Import(Stage& stage, const Words& words) {
     stage.OnUi([] { PostMessageW(FindGrid(), WM_COMMAND, kImportCommand, 0); });
-    const HWND dialog = AwaitDialog(stage, L"Import Trades");
+    const HWND dialog = AwaitBox(stage, L"Import Trades", L"");
     const std::wstring path =
         std::filesystem::path(stage.scriptFolder / FromUtf8(words[0])).make_preferred().native();
     const HWND edit = FindControl(dialog, NumberText(kImportPath));
