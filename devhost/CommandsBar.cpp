@@ -8,7 +8,6 @@
 #include <iterator>
 
 #include "Commands.h"
-#include "Keys.h"
 #include "Stage.h"
 #include "Text.h"
 #include "WindowSearch.h"
@@ -45,19 +44,16 @@ POINT InFrame(Stage& stage, const std::string& x, const std::string& y) {
 }
 
 void DragCaption(Stage& stage, const Words& words) {
-    SendDrag(OnCaption(), InFrame(stage, words[0], words[1]));
-    stage.InputTaken();
+    stage.Send(DragTo(OnCaption(), InFrame(stage, words[0], words[1])));
 }
 
 void DoubleClickCaption(Stage& stage, const Words&) {
-    SendClick(OnCaption(), Click::Double);
-    stage.InputTaken();
+    stage.Send(ClickAt(OnCaption(), Click::Double));
 }
 
 void PressClose(Stage& stage, const Words&) {
     const RECT place = OnScreen(Bar());
-    SendClick({place.right - 12, OnCaption().y}, Click::Left);
-    stage.InputTaken();
+    stage.Send(ClickAt({place.right - 12, OnCaption().y}, Click::Left));
 }
 
 // The splitter is the strip of the bar that faces the middle of the frame.
@@ -68,8 +64,7 @@ void DragSplitter(Stage& stage, const Words& words) {
     const LONG right = (bar.left + bar.right) / 2, down = (bar.top + bar.bottom) / 2;
     const bool below = down > (frame.top + frame.bottom) / 2 && bar.right - bar.left > frame.right / 2;
     const POINT from = below ? POINT{right, bar.top + 2} : POINT{bar.right - 3, down};
-    SendDrag(from, below ? POINT{from.x, from.y + by} : POINT{from.x + by, from.y});
-    stage.InputTaken();
+    stage.Send(DragTo(from, below ? POINT{from.x, from.y + by} : POINT{from.x + by, from.y}));
 }
 
 // Where the bar is, as one sees it: in a window of its own, or at an edge of the frame's room.
@@ -157,8 +152,7 @@ void ClickStatus(Stage& stage, const Words& words) {
     stage.OnUi([&] { SendMessageW(line, SB_GETRECT, part, reinterpret_cast<LPARAM>(&place)); });
     POINT at{place.left + 10, (place.top + place.bottom) / 2};
     ClientToScreen(line, &at);
-    SendClick(at, Click::Left);
-    stage.InputTaken();
+    stage.Send(ClickAt(at, Click::Left));
 }
 
 constexpr CommandEntry kCommands[] = {

@@ -9,7 +9,6 @@
 #include <fstream>
 
 #include "Commands.h"
-#include "Keys.h"
 #include "Stage.h"
 #include "Text.h"
 #include "WindowSearch.h"
@@ -74,15 +73,15 @@ void Command(Stage& stage, const Words& words) {
 void Key(Stage& stage, const Words& words) {
     BringToFront(stage);
     for (const std::string& chord : words) {
-        if (!SendKeys(chord)) Fail("unknown key in " + chord);
-        stage.InputTaken();
+        Input events = Chord(chord);
+        if (events.empty()) Fail("unknown key in " + chord);
+        stage.Send(std::move(events));
     }
 }
 
 void Type(Stage& stage, const Words& words) {
     BringToFront(stage);
-    TypeText(FromUtf8(words[0]));
-    stage.InputTaken();
+    stage.Send(Typed(FromUtf8(words[0])));
 }
 
 POINT InGrid(const std::string& x, const std::string& y) {
@@ -99,17 +98,15 @@ void ClickCommand(Stage& stage, const Words& words) {
     const bool held = how == "ctrl" || how == "shift";
     if (how != "left" && how != "right" && how != "double" && !held)
         Fail("left, right, double, ctrl or shift");
-    SendClick(InGrid(words[0], words[1]),
-              how == "right"    ? Click::Right
-              : how == "double" ? Click::Double
-                                : Click::Left,
-              held ? how : "");
-    stage.InputTaken();
+    stage.Send(ClickAt(InGrid(words[0], words[1]),
+                       how == "right"    ? Click::Right
+                       : how == "double" ? Click::Double
+                                         : Click::Left,
+                       held ? how : ""));
 }
 
 void Drag(Stage& stage, const Words& words) {
-    SendDrag(InGrid(words[0], words[1]), InGrid(words[2], words[3]));
-    stage.InputTaken();
+    stage.Send(DragTo(InGrid(words[0], words[1]), InGrid(words[2], words[3])));
 }
 
 // The filter of a column or the in-place editor, by its number.
@@ -145,14 +142,15 @@ void DropFile(Stage& stage, const Words& words) {
     stage.OnUi([grid, block] { PostMessageW(grid, WM_DROPFILES, reinterpret_cast<WPARAM>(block), 0); });
 }
 
+// False while another program holds it.
 bool ReadClipboard(std::string& text) {
     if (!OpenClipboard(nullptr)) return false;
+    text.clear();
     const HANDLE data = GetClipboardData(RegisterClipboardFormatW(kClipboardFormat));
     const char* bytes = data ? static_cast<const char*>(GlobalLock(data)) : nullptr;
     if (bytes) text.assign(bytes, strnlen(bytes, GlobalSize(data)));
     if (bytes) GlobalUnlock(data);
-    CloseClipboard();
-    return bytes != nullptr;
+    return CloseClipboard() != 0;
 }
 
 bool EmptyTheClipboard() {
@@ -168,8 +166,7 @@ void ReadGrid(Stage& stage) {
     FocusGrid(stage, {});
     Key(stage, {"ctrl+a"});
     SendCommand(stage, kCopy);
-    stage.grid.clear();
-    stage.AskUi<bool>([&stage] { return ReadClipboard(stage.grid); });
+    stage.Until([&stage] { return ReadClipboard(stage.grid); }, "the clipboard is held");
     SendCommand(stage, kClearSelection);
 }
 

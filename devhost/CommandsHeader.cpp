@@ -3,7 +3,6 @@
 #include <algorithm>
 
 #include "Commands.h"
-#include "Keys.h"
 #include "Stage.h"
 #include "Text.h"
 #include "WindowSearch.h"
@@ -52,37 +51,34 @@ void ClickHeader(Stage& stage, const Words& words) {
     const std::string how = words.size() > 1 ? words[1] : "left";
     const RECT field = FieldRect(stage, words[0]);
     if (how == "ctrl" || how == "shift") {
-        SendClick(InHeader(field), Click::Left, how);
+        stage.Send(ClickAt(InHeader(field), Click::Left, how));
     } else if (how == "left" || how == "right") {
-        SendClick(InHeader(field), how == "right" ? Click::Right : Click::Left);
+        stage.Send(ClickAt(InHeader(field), how == "right" ? Click::Right : Click::Left));
     } else if (how == "divider") {
-        SendClick({field.right, field.top - kAboveField}, Click::Double);
+        stage.Send(ClickAt({field.right, field.top - kAboveField}, Click::Double));
     } else {
         Fail("left, right, ctrl, shift or divider");
     }
-    stage.InputTaken();
 }
 
 void DragHeader(Stage& stage, const Words& words) {
     const RECT from = FieldRect(stage, words[0]), to = FieldRect(stage, words[1]);
     const bool after = words.size() > 2 && words[2] == "after";
     const LONG quarter = (to.right - to.left) / 4;
-    SendDrag(InHeader(from), {after ? to.right - quarter : to.left + quarter, to.top - kAboveField});
-    stage.InputTaken();
+    stage.Send(
+        DragTo(InHeader(from), {after ? to.right - quarter : to.left + quarter, to.top - kAboveField}));
 }
 
 void DragDivider(Stage& stage, const Words& words) {
     int by = 0;
     if (!ParseNumber(words[1], by)) Fail("PIXELS is a number");
     const RECT field = FieldRect(stage, words[0]);
-    SendDrag({field.right, field.top - kAboveField}, {field.right + by, field.top - kAboveField});
-    stage.InputTaken();
+    stage.Send(DragTo({field.right, field.top - kAboveField}, {field.right + by, field.top - kAboveField}));
 }
 
 void ClickFilter(Stage& stage, const Words& words) {
     const RECT field = FieldRect(stage, words[0]);
-    SendClick({(field.left + field.right) / 2, (field.top + field.bottom) / 2}, Click::Left);
-    stage.InputTaken();
+    stage.Send(ClickAt({(field.left + field.right) / 2, (field.top + field.bottom) / 2}, Click::Left));
 }
 
 void ExpectFilter(Stage& stage, const Words& words) {
@@ -191,7 +187,7 @@ void ChooseMenu(Stage& stage, const Words& words) {
     if (item.state & (MF_GRAYED | MF_DISABLED)) Fail("the entry is greyed");
     RECT at{};
     GetMenuItemRect(nullptr, item.menu, static_cast<UINT>(item.index), &at);
-    SendClick({(at.left + at.right) / 2, (at.top + at.bottom) / 2}, Click::Left);
+    stage.Send(ClickAt({(at.left + at.right) / 2, (at.top + at.bottom) / 2}, Click::Left));
     stage.Until([&] { return !IsWindow(item.window) || !IsWindowVisible(item.window); }, "the menu stays");
     stage.InputTaken();
 }
@@ -214,9 +210,10 @@ UINT ClipboardFormat(const std::string& name) {
     Fail("text, html or own");
 }
 
-std::wstring ReadClipboard(UINT format) {
-    std::wstring text;
-    if (!OpenClipboard(nullptr)) return text;
+// False while another program holds it.
+bool ReadClipboard(UINT format, std::wstring& text) {
+    if (!OpenClipboard(nullptr)) return false;
+    text.clear();
     const HANDLE data = GetClipboardData(format);
     if (const void* bytes = data ? GlobalLock(data) : nullptr) {
         const std::size_t size = GlobalSize(data);
@@ -230,21 +227,23 @@ std::wstring ReadClipboard(UINT format) {
         }
         GlobalUnlock(data);
     }
-    CloseClipboard();
-    return text;
+    return CloseClipboard() != 0;
 }
 
 void ExpectClipboard(Stage& stage, const Words& words) {
     const UINT format = ClipboardFormat(words[0]);
     const std::wstring pattern = FromUtf8(words[1]);
     std::wstring found;
-    const auto matches = [&] { return Matches(pattern, found = ReadClipboard(format)); };
+    const auto matches = [&] { return ReadClipboard(format, found) && Matches(pattern, found); };
     if (!stage.Holds(matches, stage.limit))
         Fail("the clipboard holds \"" + ToUtf8(found).substr(0, 600) + '"');
 }
 
 void DumpClipboard(Stage& stage, const Words& words) {
-    std::ofstream(stage.File(words[1]), std::ios::binary) << ToUtf8(ReadClipboard(ClipboardFormat(words[0])));
+    const UINT format = ClipboardFormat(words[0]);
+    std::wstring text;
+    stage.Until([&] { return ReadClipboard(format, text); }, "the clipboard is held");
+    std::ofstream(stage.File(words[1]), std::ios::binary) << ToUtf8(text);
 }
 
 // As another program that is busy with it: nobody else gets in until it is let go.

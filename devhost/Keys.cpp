@@ -1,8 +1,6 @@
 // Turns names of keys into input events.
 #include "Keys.h"
 
-#include <vector>
-
 #include "Text.h"
 
 namespace Dravel::DevHost {
@@ -44,10 +42,6 @@ INPUT KeyEvent(WORD key, bool up) {
     return event;
 }
 
-void Send(std::vector<INPUT>& events) {
-    SendInput(static_cast<UINT>(events.size()), events.data(), sizeof(INPUT));
-}
-
 INPUT MouseEvent(POINT at, DWORD flags) {
     INPUT event{};
     event.type = INPUT_MOUSE;
@@ -70,20 +64,19 @@ bool ParseChord(std::string_view chord, std::vector<WORD>& keys) {
 
 }  // namespace
 
-bool SendKeys(std::string_view chord) {
+Input Chord(std::string_view chord) {
     std::vector<WORD> keys;
-    if (!ParseChord(chord, keys)) return false;
-    std::vector<INPUT> events;
+    if (!ParseChord(chord, keys)) return {};
+    Input events;
     for (WORD key : keys)
         events.push_back(KeyEvent(key, false));
     for (auto key = keys.rbegin(); key != keys.rend(); ++key)
         events.push_back(KeyEvent(*key, true));
-    Send(events);
-    return !keys.empty();
+    return events;
 }
 
-void TypeText(const std::wstring& text) {
-    std::vector<INPUT> events;
+Input Typed(const std::wstring& text) {
+    Input events;
     for (wchar_t c : text) {
         INPUT event{};
         event.type = INPUT_KEYBOARD;
@@ -93,14 +86,14 @@ void TypeText(const std::wstring& text) {
         event.ki.dwFlags |= KEYEVENTF_KEYUP;
         events.push_back(event);
     }
-    Send(events);
+    return events;
 }
 
-void SendClick(POINT at, Click click, std::string_view held) {
+Input ClickAt(POINT at, Click click, std::string_view held) {
     const bool right = click == Click::Right;
     std::vector<WORD> keys;
     ParseChord(held, keys);
-    std::vector<INPUT> events{MouseEvent(at, 0)};
+    Input events{MouseEvent(at, 0)};
     for (WORD key : keys)
         events.push_back(KeyEvent(key, false));
     for (int i = 0; i < (click == Click::Double ? 2 : 1); ++i) {
@@ -109,17 +102,17 @@ void SendClick(POINT at, Click click, std::string_view held) {
     }
     for (WORD key : keys)
         events.push_back(KeyEvent(key, true));
-    Send(events);
+    return events;
 }
 
-void SendDrag(POINT from, POINT to) {
+Input DragTo(POINT from, POINT to) {
     constexpr int kSteps = 8;
-    std::vector<INPUT> events{MouseEvent(from, 0), MouseEvent(from, MOUSEEVENTF_LEFTDOWN)};
+    Input events{MouseEvent(from, 0), MouseEvent(from, MOUSEEVENTF_LEFTDOWN)};
     for (int i = 1; i <= kSteps; ++i)
         events.push_back(
             MouseEvent({from.x + (to.x - from.x) * i / kSteps, from.y + (to.y - from.y) * i / kSteps}, 0));
     events.push_back(MouseEvent(to, MOUSEEVENTF_LEFTUP));
-    Send(events);
+    return events;
 }
 
 }  // namespace Dravel::DevHost

@@ -1,20 +1,23 @@
-// Keys and mouse as the system sends them.
+// Keys and mouse as the system sends them: events for SendInput.
 #pragma once
 
 #include <windows.h>
 
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace Dravel::DevHost {
 
-// "ctrl+shift+c", "down", "f2", "alt+enter". False when a name is not known.
-bool SendKeys(std::string_view chord);
-void TypeText(const std::wstring& text);
+using Input = std::vector<INPUT>;
+
+// "ctrl+shift+c", "down", "f2", "alt+enter". Empty when a name is not known.
+Input Chord(std::string_view chord);
+Input Typed(const std::wstring& text);
 
 enum class Click { Left, Right, Double };
 // At a point of the screen, with the keys of a chord held ("ctrl", "shift", empty).
-void SendClick(POINT at, Click click, std::string_view held = {});
-void SendDrag(POINT from, POINT to);
+Input ClickAt(POINT at, Click click, std::string_view held = {});
+Input DragTo(POINT from, POINT to);
 
 }  // namespace Dravel::DevHost

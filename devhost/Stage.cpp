@@ -52,6 +52,13 @@ void Stage::Until(const std::function<bool()>& condition, const std::string& wha
     if (!Holds(condition, limit)) Fail(what + " within " + NumberText(limit) + " ms");
 }
 
+void Stage::Send(Input events) {
+    OnUi([events = std::move(events)]() mutable {
+        SendInput(static_cast<UINT>(events.size()), events.data(), sizeof(INPUT));
+    });
+    InputTaken();
+}
+
 void Stage::InputTaken() {
     Until([this] { return AskUi<bool>([] { return (HIWORD(GetQueueStatus(QS_INPUT)) & QS_INPUT) == 0; }); },
           "the keys or clicks are not taken");

@@ -11,6 +11,7 @@
 #include <string>
 #include <string_view>
 
+#include "Keys.h"
 #include "Resources.h"
 #include "Terminal.h"
 #include "Watcher.h"
@@ -51,6 +52,10 @@ class Stage {
     // Polls until `condition` holds; fails with `what` after the limit.
     void Until(const std::function<bool()>& condition, const std::string& what);
     bool Holds(const std::function<bool()>& condition, std::uint32_t milliseconds);
+    // Keys and clicks; returns once the user-interface thread has taken them. Sent from that thread: it takes
+    // the keyboard's state over from the display whenever a window gets the focus or the mouse, and a key
+    // that was held for a moment only would be let go in the middle.
+    void Send(Input events);
     // Returns once the keys and clicks sent so far have been taken by the user-interface thread.
     void InputTaken();
 
