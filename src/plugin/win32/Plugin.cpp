@@ -166,10 +166,9 @@ void Plugin::PendingItems() {
 }
 
 void Plugin::HandOverPendingItems() {
-    std::vector<TradeRecord> items;
-    items.swap(pending_);
-    for (TradeRecord& item : items) {
-        if (!open_) return;
+    while (open_ && !pending_.empty()) {
+        TradeRecord item = pending_.front();
+        pending_.pop_front();
         open_->bar.Book().Add(item);
     }
 }

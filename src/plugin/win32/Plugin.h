@@ -1,9 +1,9 @@
 // The plug-in as a whole: what lives as long as the library, and what lives as long as its bar.
 #pragma once
 
+#include <deque>
 #include <memory>
 #include <utility>
-#include <vector>
 
 #include "entry/DlgImportReport.h"
 #include "entry/Entry.h"
@@ -82,11 +82,11 @@ class Plugin final : public IPluginHandlers {
     DlgImportReport reportWindow_;
     Entry entry_;
     std::unique_ptr<OpenBook> open_;
-    std::vector<TradeRecord> pending_;  // trades that came while there was no grid
-    bool watching_ = false;             // for crashes
-    bool showing_ = false;              // ShowBar runs
-    bool created_ = false;              // the bar is complete: later calls only show it
-    bool parting_ = false;              // the bar's window is gone, what it owned is not
+    std::deque<TradeRecord> pending_;  // trades that came while there was no grid
+    bool watching_ = false;            // for crashes
+    bool showing_ = false;             // ShowBar runs
+    bool created_ = false;             // the bar is complete: later calls only show it
+    bool parting_ = false;             // the bar's window is gone, what it owned is not
 };
 
 }  // namespace Dravel
