@@ -110,10 +110,15 @@ bool CDravelBar::Occupied() const {
     return ModalLoop::Runs() || context_.entry.Busy();
 }
 
+// Known only when no save is on its way any more: a failed one sets the flag again.
+bool CDravelBar::HasUnsaved() {
+    context_.entry.FinishSaves();
+    return book_.Changed();
+}
+
 bool CDravelBar::AskToSaveWhenShown() {
     if (Occupied() || !grid_->LeaveCheck()) return false;
-    context_.entry.FinishSaves();
-    if (book_.Changed() && Shown()) context_.entry.AskToSave();
+    if (HasUnsaved() && Shown()) context_.entry.AskToSave();
     return true;
 }
 
@@ -125,8 +130,7 @@ void CDravelBar::HideAndTell() {
 
 bool CDravelBar::OnFrameClose() {
     if (Occupied() || !grid_->LeaveCheck()) return false;
-    context_.entry.FinishSaves();
-    if (book_.Changed()) {
+    if (HasUnsaved()) {
         askedAt_ = book_.Revision();
         context_.entry.AskToSave();
     }
@@ -136,16 +140,14 @@ bool CDravelBar::OnFrameClose() {
 void CDravelBar::OnEndSession(bool ending) {
     if (!ending) return;
     context_.entry.EndImport();
-    context_.entry.FinishSaves();
-    if (book_.Changed()) context_.entry.SaveNow();
+    if (HasUnsaved()) context_.entry.SaveNow();
     KeepLayout();
 }
 
 // The frame's closing has asked already, unless the frame went without it or the book changed since.
 void CDravelBar::OnDestroy() {
     context_.entry.EndImport();
-    context_.entry.FinishSaves();
-    if (book_.Changed() && askedAt_ != book_.Revision()) context_.entry.AskToSave();
+    if (HasUnsaved() && askedAt_ != book_.Revision()) context_.entry.AskToSave();
     KeepLayout();
     context_.entry.BookClosed();
     context_.notices.SetListener({});

@@ -50,6 +50,7 @@ class CDravelBar final : public CVELTSDockingControlBar {
     void LoadBook();
     void HideAndTell();
     bool Occupied() const;
+    bool HasUnsaved();
     Dravel::Rect GridRoom(const Dravel::Rect& content) const;
     void MakeStatusLine();
     void StatusStale();
