@@ -11,6 +11,7 @@
 #include "support/FakeUser.h"
 #include "support/FaultFiles.h"
 #include "support/NoReports.h"
+#include "support/OuterCall.h"
 
 namespace Dravel {
 namespace {
@@ -307,6 +308,7 @@ TEST_F(Entering, WhatWentWhileItWasAskedForChangesNoBook) {
     host.sent.clear();
     const std::function<void()> goings[] = {[this] { open = false; }, [this] { sheet.Clear(); }};
     for (const auto& going : goings) {
+        const OuterCall call;
         draft = &sheet.LayOver(book.ItemAt(0));
         host.onAsk = going;
         EXPECT_EQ(Type(column::ExpiryDate, "26Feb2026"), EditEnd::Kept);
@@ -333,6 +335,7 @@ TEST_F(Entering, TheBookMayBeClosedWhileItsEntryRuns) {
         open = false;
         whole.BookClosed();
     };
+    const OuterCall call;
     opened();
     EXPECT_EQ(whole.EndEdit(*draft, column::Exchange, "XNSE", *this), EditEnd::Kept);
     opened();

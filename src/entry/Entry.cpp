@@ -10,7 +10,7 @@ namespace Dravel {
 void Entry::BookOpened(const BookParts& parts) {
     parts_.emplace(parts);
     saver_ = std::make_unique<TradeSaver>(parts, context_.user);
-    typing_ = std::make_shared<TradeEntry>(context_.host, context_.user, parts.book, parts.ui);
+    typing_ = std::make_unique<TradeEntry>(context_.host, context_.user, parts.book, parts.ui);
     context_.clients.Load();
 }
 
@@ -18,8 +18,9 @@ void Entry::BookClosed() {
     EndImport();
     context_.reportView.Close();
     report_.reset();
-    typing_.reset();
-    KeepForCalls(std::move(saver_));  // it may be waiting for the answer to its box
+    // Either may be asking, the terminal or the user.
+    KeepForCalls(std::move(typing_));
+    KeepForCalls(std::move(saver_));
     parts_.reset();
 }
 
@@ -44,12 +45,11 @@ bool Entry::AskToSave() {
 
 void Entry::Choices(const TradeDraft& draft, int column, std::string_view typed,
                     std::vector<std::string>& choices) {
-    if (const auto typing = typing_) typing->Choices(draft, column, typed, choices);
+    if (typing_) typing_->Choices(draft, column, typed, choices);
 }
 
 EditEnd Entry::EndEdit(TradeDraft& draft, int column, std::string_view text, IDraftView& view) {
-    const auto typing = typing_;
-    return typing ? typing->EndEdit(draft, column, text, view) : EditEnd::Refused;
+    return typing_ ? typing_->EndEdit(draft, column, text, view) : EditEnd::Refused;
 }
 
 int Entry::NextColumn(const TradeDraft& draft, int column) const {
@@ -61,7 +61,7 @@ std::string Entry::Missing(const TradeDraft& draft) const {
 }
 
 void Entry::Delete(IDraftView& view) {
-    if (const auto typing = typing_) typing->Delete(view);
+    if (typing_) typing_->Delete(view);
 }
 
 // The dialog closes when what runs inside it has returned.

@@ -60,7 +60,7 @@ class Entry final : public IEntry {
     EntryContext context_;
     std::optional<BookParts> parts_;
     std::unique_ptr<TradeSaver> saver_;
-    std::shared_ptr<TradeEntry> typing_;          // and its calls': they may close the book
+    std::unique_ptr<TradeEntry> typing_;
     std::shared_ptr<const ImportReport> report_;  // of the last import
     bool importing_ = false;                      // the import dialog is open
     std::function<void()> bookGoes_;              // ends it

@@ -135,7 +135,6 @@ bool TradeEntry::Complete(const TradeDraft& draft, int column, std::string& text
 
 EditEnd TradeEntry::EndEdit(TradeDraft& draft, int column, std::string_view typed, IDraftView& view) {
     if (!kTradeColumns[static_cast<std::size_t>(column)].editable) return EditEnd::Refused;
-    const auto kept = draft.weak_from_this().lock();
     std::string text(Trimmed(typed));
     if (!Complete(draft, column, text)) return EditEnd::Refused;
     const bool changed = text != Cell(draft, column);

@@ -8,16 +8,18 @@
 #include <memory>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
+#include "support/OuterCall.h"
 #include "tradebook/TradeBook.h"
 #include "tradebook/TradeColumns.h"
 
 namespace Dravel {
 
 // A new row, or cells laid over a trade of the book. Cells that nobody set say what the trade says; those of
-// a new row are empty. Shared with whoever works on it while it may be removed.
-struct TradeDraft : std::enable_shared_from_this<TradeDraft> {
+// a new row are empty.
+struct TradeDraft {
     std::uint32_t id = 0;      // of its own among all drafts of the sheet's life
     TradeItem item = kNoItem;  // the trade that it lies over; kNoItem: a new row
     std::array<std::string, column::Count> cells;
@@ -40,7 +42,8 @@ inline void DraftCell(const TradeDraft& draft, const TradeBook& book, int column
     }
 }
 
-// All drafts of a grid. User-interface thread. A draft stays at its address until it is removed.
+// All drafts of a grid. User-interface thread. A draft stays at its address until it is removed, and for the
+// calls that are under way then: one of them may be working on it.
 class DraftSheet {
  public:
     // The new rows, the youngest on top.
@@ -76,18 +79,26 @@ class DraftSheet {
     }
 
     void Remove(const TradeDraft& draft) {
-        std::erase_if(draft.New() ? fresh_ : over_, [&](const auto& kept) { return kept.get() == &draft; });
+        Drafts& drafts = draft.New() ? fresh_ : over_;
+        const auto found = std::find_if(drafts.begin(), drafts.end(),
+                                        [&](const auto& kept) { return kept.get() == &draft; });
+        if (found == drafts.end()) return;
+        KeepForCalls(std::move(*found));
+        drafts.erase(found);
     }
     void Clear() {
-        fresh_.clear();
-        over_.clear();
+        for (Drafts* const drafts : {&fresh_, &over_}) {
+            for (auto& draft : *drafts)
+                KeepForCalls(std::move(draft));
+            drafts->clear();
+        }
     }
     bool Empty() const { return fresh_.empty() && over_.empty(); }
 
  private:
-    using Drafts = std::vector<std::shared_ptr<TradeDraft>>;
+    using Drafts = std::vector<std::unique_ptr<TradeDraft>>;
     TradeDraft& Add(Drafts& drafts) {
-        drafts.push_back(std::make_shared<TradeDraft>());
+        drafts.push_back(std::make_unique<TradeDraft>());
         drafts.back()->id = ++lastID_;
         return *drafts.back();
     }
