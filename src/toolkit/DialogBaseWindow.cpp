@@ -3,13 +3,12 @@
 #include <commctrl.h>
 
 #include <algorithm>
-#include <exception>
 
-#include "support/OuterCall.h"
 #include "toolkit/ActivationContext.h"
 #include "toolkit/AnsiText.h"
 #include "toolkit/DialogBase.h"
 #include "toolkit/Geometry.h"
+#include "toolkit/Guarded.h"
 #include "toolkit/ModalLoop.h"
 #include "toolkit/Module.h"
 
@@ -27,15 +26,8 @@ INT_PTR CALLBACK Procedure(HWND window, UINT message, WPARAM wparam, LPARAM lpar
     auto* dialog = reinterpret_cast<DialogBase*>(GetWindowLongPtrW(window, DWLP_USER));
     if (dialog == nullptr) return FALSE;
     if (message == WM_NCDESTROY) SetWindowLongPtrW(window, DWLP_USER, 0);
-    const OuterCall call;
-    try {
-        return dialog->HandleDialog(window, message, wparam, lparam);
-    } catch (const std::exception& failure) {
-        ReportFailure("dialog", failure.what());
-    } catch (...) {
-        ReportFailure("dialog", "unknown exception");
-    }
-    return FALSE;
+    return Guarded("dialog", INT_PTR{FALSE},
+                   [&] { return dialog->HandleDialog(window, message, wparam, lparam); });
 }
 
 void LoadControls() {

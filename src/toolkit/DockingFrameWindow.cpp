@@ -6,7 +6,7 @@
 
 #include <algorithm>
 
-#include "support/OuterCall.h"
+#include "toolkit/Guarded.h"
 #include "toolkit/Module.h"
 #include "toolkit/win32/DockingImpl.h"
 #include "toolkit/win32/WindowBinding.h"
@@ -86,31 +86,17 @@ LRESULT CALLBACK DockingFrame::FrameProcedure(HWND window, UINT message, WPARAM 
         owner->frame_ = nullptr;
         return DefSubclassProc(window, message, wparam, lparam);
     }
-    // The host's own handling of the message is not counted: it may run as long as the host likes.
-    const auto guarded = [](auto work) noexcept {
-        const OuterCall call;
-        try {
-            return work();
-        } catch (const std::exception& failure) {
-            ReportFailure("frame", failure.what());
-        } catch (...) {
-            ReportFailure("frame", "unknown exception");
-        }
-        return false;
-    };
+    // The host's own handling of the message is no call of ours: it may run as long as the host likes.
     if (message == WM_SIZE) {
         // The host's own layout first. It may end the bar.
         const auto barWindow = static_cast<HWND>(owner->window_);
         const LRESULT result = DefSubclassProc(window, message, wparam, lparam);
         if (CKRVPDockingControlBar::FromWindow(barWindow) == owner) {
-            guarded([owner] {
-                owner->impl_->frame.Layout();
-                return true;
-            });
+            Guarded("frame", [owner] { owner->impl_->frame.Layout(); });
         }
         return result;
     }
-    if (guarded([&] { return owner->impl_->frame.FrameMessage(message, wparam); })) return 0;
+    if (Guarded("frame", false, [&] { return owner->impl_->frame.FrameMessage(message, wparam); })) return 0;
     return DefSubclassProc(window, message, wparam, lparam);
 }
 

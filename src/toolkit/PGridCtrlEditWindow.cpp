@@ -3,13 +3,12 @@
 // Needs the types of the line above.
 #include <commctrl.h>
 
-#include <exception>
 #include <utility>
 
-#include "support/OuterCall.h"
 #include "toolkit/ActivationContext.h"
 #include "toolkit/AnsiText.h"
 #include "toolkit/DockingBar.h"
+#include "toolkit/Guarded.h"
 #include "toolkit/Module.h"
 #include "toolkit/win32/GridState.h"
 
@@ -242,15 +241,7 @@ void GridEditor::ToggleList() {
 LRESULT CALLBACK GridEditor::Procedure(HWND window, UINT message, WPARAM wparam, LPARAM lparam, UINT_PTR,
                                        DWORD_PTR editor) noexcept {
     auto& self = *reinterpret_cast<GridEditor*>(editor);
-    const OuterCall call;
-    try {
-        return self.Message(window, message, wparam, lparam);
-    } catch (const std::exception& failure) {
-        ReportFailure("cell editor", failure.what());
-    } catch (...) {
-        ReportFailure("cell editor", "unknown exception");
-    }
-    return 0;
+    return Guarded("cell editor", LRESULT{0}, [&] { return self.Message(window, message, wparam, lparam); });
 }
 
 LRESULT GridEditor::Message(HWND window, UINT message, WPARAM wparam, LPARAM lparam) {

@@ -3,12 +3,10 @@
 // Needs the types of the line above.
 #include <commctrl.h>
 
-#include <exception>
-
-#include "support/OuterCall.h"
 #include "toolkit/ActivationContext.h"
 #include "toolkit/AnsiText.h"
 #include "toolkit/DockingBar.h"
+#include "toolkit/Guarded.h"
 #include "toolkit/Module.h"
 #include "toolkit/win32/GridColours.h"
 #include "toolkit/win32/GridState.h"
@@ -172,15 +170,8 @@ void GridFilterBar::DropBrush() {
 LRESULT CALLBACK GridFilterBar::Procedure(HWND window, UINT message, WPARAM wparam, LPARAM lparam,
                                           UINT_PTR id, DWORD_PTR bar) noexcept {
     auto& self = *reinterpret_cast<GridFilterBar*>(bar);
-    const OuterCall call;
-    try {
-        return self.Message(window, message, wparam, lparam, static_cast<int>(id));
-    } catch (const std::exception& failure) {
-        ReportFailure("filter field", failure.what());
-    } catch (...) {
-        ReportFailure("filter field", "unknown exception");
-    }
-    return 0;
+    return Guarded("filter field", LRESULT{0},
+                   [&] { return self.Message(window, message, wparam, lparam, static_cast<int>(id)); });
 }
 
 LRESULT GridFilterBar::Message(HWND window, UINT message, WPARAM wparam, LPARAM lparam, int column) {

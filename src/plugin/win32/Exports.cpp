@@ -2,34 +2,20 @@
 
 #include <windows.h>
 
-#include <exception>
-
 #include "message/TagMessageReader.h"
 #include "plugin/MessageDispatch.h"
 #include "plugin/Registration.h"
 #include "plugin/win32/Plugin.h"
-#include "support/OuterCall.h"
+#include "toolkit/Guarded.h"
 #include "toolkit/Module.h"
 
 namespace {
 
-// No exception may reach the host: it was built by another compiler.
+// One call of the host, which was built by another compiler: no exception may reach it. From the first on a
+// crash leaves a dump.
 template <typename Work>
-void Guarded(const char* entry, Work work) noexcept {
-    try {
-        work();
-    } catch (const std::exception& failure) {
-        Dravel::ReportFailure(entry, failure.what());
-    } catch (...) {
-        Dravel::ReportFailure(entry, "unknown exception");
-    }
-}
-
-// One call of the host. From the first on a crash leaves a dump.
-template <typename Work>
-void Entered(const char* entry, Work work) noexcept {
-    const Dravel::OuterCall call;
-    Guarded(entry, [&] {
+void Entered(const char* entry, const Work& work) noexcept {
+    Dravel::Guarded(entry, [&] {
         Dravel::Plugin::Instance().WatchForCrashes();
         work();
     });
@@ -79,12 +65,7 @@ BOOL WINAPI DllMain(HINSTANCE module, DWORD reason, void* reserved) {
     if (reason == DLL_PROCESS_ATTACH) {
         DisableThreadLibraryCalls(module);
         Dravel::SetModule(module);
-        bool made = false;
-        Guarded("DllMain", [&made] {
-            Dravel::Plugin::Make();
-            made = true;
-        });
-        return made;
+        return Dravel::Guarded("DllMain", FALSE, [] { return Dravel::Plugin::Make(), TRUE; });
     }
     if (reason == DLL_PROCESS_DETACH && !reserved) {
         Dravel::Plugin::Unmake();

@@ -4,10 +4,7 @@
 
 #include <windows.h>
 
-#include <exception>
-
-#include "support/OuterCall.h"
-#include "toolkit/Module.h"
+#include "toolkit/Guarded.h"
 
 namespace Dravel {
 
@@ -22,15 +19,8 @@ LRESULT CALLBACK BoundProcedure(HWND window, UINT message, WPARAM wparam, LPARAM
     auto* object = reinterpret_cast<T*>(GetWindowLongPtrW(window, GWLP_USERDATA));
     if (object == nullptr) return DefWindowProcW(window, message, wparam, lparam);
     if (message == WM_NCDESTROY) SetWindowLongPtrW(window, GWLP_USERDATA, 0);
-    const OuterCall call;
-    try {
-        return static_cast<LRESULT>(object->HandleMessage(window, message, wparam, lparam));
-    } catch (const std::exception& failure) {
-        ReportFailure("window procedure", failure.what());
-    } catch (...) {
-        ReportFailure("window procedure", "unknown exception");
-    }
-    return message == WM_CREATE ? -1 : 0;
+    return Guarded("window procedure", LRESULT{message == WM_CREATE ? -1 : 0},
+                   [&] { return object->HandleMessage(window, message, wparam, lparam); });
 }
 
 }  // namespace Dravel

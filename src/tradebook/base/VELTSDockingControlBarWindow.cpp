@@ -1,9 +1,8 @@
 #include <windows.h>
 
-#include <exception>
 #include <mutex>
 
-#include "toolkit/Module.h"
+#include "toolkit/Guarded.h"
 #include "tradebook/base/VELTSDockingControlBar.h"
 
 static constexpr UINT kRunPosted = WM_APP + 0x31;
@@ -23,13 +22,7 @@ void CVELTSDockingControlBar::RunPosted() {
     }
     for (const auto& item : work) {
         if (closed_) return;  // by an item before it
-        try {
-            item();
-        } catch (const std::exception& failure) {
-            Dravel::ReportFailure("posted work", failure.what());
-        } catch (...) {
-            Dravel::ReportFailure("posted work", "unknown exception");
-        }
+        Dravel::Guarded("posted work", item);
     }
 }
 
