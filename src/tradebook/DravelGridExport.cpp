@@ -18,7 +18,7 @@ std::filesystem::path FolderToPropose(const BarContext& context) {
     std::string last;
     FileInfo info;
     if (context.settings.Open(kExportKey) && context.settings.ReadText(kLastFolder, last) && !last.empty()) {
-        const std::filesystem::path folder(Widen(last));
+        const std::filesystem::path folder(FromUtf8(last));
         if (context.files.Info(folder, info)) return folder;
     }
     context.files.MakeFolders(context.folder.Csv());
@@ -27,7 +27,7 @@ std::filesystem::path FolderToPropose(const BarContext& context) {
 
 void RememberFolder(const BarContext& context, const std::filesystem::path& folder) {
     if (!context.settings.CreateKey(kExportKey)) return;
-    context.settings.WriteText(kLastFolder, Narrow(folder.wstring()));
+    context.settings.WriteText(kLastFolder, Utf8(folder.wstring()));
     context.SaveSettings();
 }
 
