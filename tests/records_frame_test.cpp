@@ -236,6 +236,12 @@ TEST(RecordText, CutsAndFills) {
     EXPECT_EQ(TextOf(text), "abcd");
     SetText(text, std::string_view("a\0b", 3));
     EXPECT_EQ(std::string(text, 4), std::string("a\0\0\0", 4));
+    SetText(text, std::string_view("abc\0", 4));
+    EXPECT_EQ(std::string(text, 4), std::string("abc\0", 4));
+    SetText(text, std::string_view(text + 1, 2));
+    EXPECT_EQ(std::string(text, 4), std::string("bc\0\0", 4)) << "of its own";
+    SetText(text, std::string_view("\0bcdef", 6));
+    EXPECT_EQ(std::string(text, 4), std::string(4, '\0'));
     SetText(text, {});
     EXPECT_EQ(TextOf(text), "");
 }

@@ -15,12 +15,23 @@ std::string_view TextOf(const char (&text)[Capacity]) {
     return {text, end ? static_cast<std::size_t>(static_cast<const char*>(end) - text) : Capacity};
 }
 
-// Cuts `value` to the capacity, and at a zero byte within it; the rest of the array becomes zero.
+// Cuts `value` to the capacity, and at a zero byte within it; the rest of the array becomes zero. `value` may
+// lie in the array. Clearing, looking for that byte and storing go over the whole array, whose size the
+// compiler knows; with calls for the length of each text the import of a line took a sixth longer.
 template <std::size_t Capacity>
 void SetText(char (&text)[Capacity], std::string_view value) {
-    value = value.substr(0, std::min(value.find('\0'), Capacity));
-    if (!value.empty()) std::memmove(text, value.data(), value.size());
-    std::memset(text + value.size(), 0, Capacity - value.size());
+    static_assert(Capacity < 256);
+    const std::size_t size = std::min(value.size(), Capacity);
+    char whole[Capacity] = {};
+    if (size != 0) std::memcpy(whole, value.data(), size);
+    unsigned char zeros = 0;
+    for (const char c : whole)
+        zeros += c == 0;
+    if (zeros != Capacity - size) {
+        const std::size_t cut = TextOf(whole).size();
+        std::memset(whole + cut, 0, Capacity - cut);
+    }
+    std::memcpy(text, whole, Capacity);
 }
 
 }  // namespace Dravel
