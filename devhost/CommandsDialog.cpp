@@ -23,10 +23,26 @@ HWND Topmost() {
     return dialog;
 }
 
-HWND Control(const std::string& name) {
-    const HWND control = FindControl(Topmost(), name);
-    if (!control) Fail("no control " + name + "; " + DescribeDialogs());
+// Control and Press wait: the dialog may be opened, or uncovered, by what was pressed just before.
+HWND Control(Stage& stage, const std::string& name) {
+    HWND control = nullptr;
+    const auto found = [&] {
+        const HWND dialog = FindDialog(L"");
+        return dialog && (control = FindControl(dialog, name)) != nullptr;
+    };
+    if (!stage.Holds(found, stage.limit)) Fail("no control " + name + "; " + DescribeDialogs());
     return control;
+}
+
+// In `dialog`; null: in the topmost one.
+void Press(Stage& stage, HWND dialog, const std::string& name) {
+    std::string error;
+    const auto pressed = [&] {
+        const HWND in = dialog ? dialog : FindDialog(L"");
+        error = in ? PressButton(in, name) : "nothing to press " + name + " in";
+        return error.empty();
+    };
+    if (!stage.Holds(pressed, stage.limit)) Fail(error + "; " + DescribeDialogs());
 }
 
 HWND AwaitBox(Stage& stage, const std::wstring& title, const std::wstring& text) {
@@ -47,14 +63,9 @@ void WaitDialog(Stage& stage, const Words& words) {
     if (!stage.Holds(topmost, stage.limit)) Fail("it does not come; " + DescribeDialogs());
 }
 
-void Press(HWND dialog, const std::string& name) {
-    if (const std::string error = PressButton(dialog, name); !error.empty())
-        Fail(error + "; " + DescribeDialogs());
-}
-
 // Presses and waits until the box is gone, so that the next command does not meet it again.
 void Answer(Stage& stage, HWND box, const std::string& button) {
-    Press(box, button);
+    Press(stage, box, button);
     stage.Until([box] { return !IsWindow(box) || !IsWindowVisible(box); }, "the box stays");
 }
 
@@ -71,12 +82,12 @@ void PrepareAnswer(Stage& stage, const Words& words) {
     stage.Watch().Prepare({FromUtf8(words[0]), FromUtf8(words[1]), words[2]});
 }
 
-void PressCommand(Stage&, const Words& words) {
-    Press(Topmost(), words[0]);
+void PressCommand(Stage& stage, const Words& words) {
+    Press(stage, nullptr, words[0]);
 }
 
-void SetText(Stage&, const Words& words) {
-    const HWND control = Control(words[0]);
+void SetText(Stage& stage, const Words& words) {
+    const HWND control = Control(stage, words[0]);
     const std::wstring text = FromUtf8(words[1]);
     DWORD_PTR result = 0;
     SendMessageTimeoutW(control, WM_SETTEXT, 0, reinterpret_cast<LPARAM>(text.c_str()), SMTO_NORMAL, 5000,
@@ -84,21 +95,21 @@ void SetText(Stage&, const Words& words) {
 }
 
 void ExpectText(Stage& stage, const Words& words) {
-    const HWND control = Control(words[0]);
+    const HWND control = Control(stage, words[0]);
     const std::wstring pattern = FromUtf8(words[1]);
     if (!stage.Holds([&] { return Matches(pattern, ControlText(control)); }, stage.limit))
         Fail("it says \"" + ToUtf8(ControlText(control)) + '"');
 }
 
 void Select(Stage& stage, const Words& words) {
-    const HWND list = Control(words[0]);
+    const HWND list = Control(stage, words[0]);
     const std::wstring text = FromUtf8(words[1]);
     stage.Until([&] { return SelectRow(list, text); }, "no such row");
     stage.InputTaken();  // the dialog has heard of it
 }
 
 void ExpectRow(Stage& stage, const Words& words) {
-    const HWND list = Control(words[0]);
+    const HWND list = Control(stage, words[0]);
     const std::wstring pattern = FromUtf8(words[1]);
     stage.Until(
         [&] {
@@ -111,12 +122,12 @@ void ExpectRow(Stage& stage, const Words& words) {
 
 void DumpList(Stage& stage, const Words& words) {
     std::ofstream file(stage.File(words[1]), std::ios::binary);
-    for (const std::wstring& row : ListRows(Control(words[0])))
+    for (const std::wstring& row : ListRows(Control(stage, words[0])))
         file << ToUtf8(row) << '\n';
 }
 
 void Check(Stage& stage, const Words& words) {
-    const HWND box = Control(words[0]);
+    const HWND box = Control(stage, words[0]);
     if (words[1] != "on" && words[1] != "off") Fail("on or off");
     const LRESULT wanted = words[1] == "on" ? BST_CHECKED : BST_UNCHECKED;
     auto state = [box] { return SendMessageW(box, BM_GETCHECK, 0, 0); };
@@ -146,7 +157,7 @@ void Import(Stage& stage, const Words& words) {
     const HWND edit = FindControl(dialog, NumberText(kImportPath));
     if (!edit) Fail("the import dialog has no path edit");
     SendMessageW(edit, WM_SETTEXT, 0, reinterpret_cast<LPARAM>(path.c_str()));
-    Press(dialog, "OK");
+    Press(stage, dialog, "OK");
 }
 
 bool Noticed(Stage& stage, const std::wstring& pattern) {
