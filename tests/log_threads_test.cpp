@@ -104,10 +104,13 @@ struct ThreadsLog : ::testing::Test {
         return lines;
     }
     bool Eventually(const std::function<bool()>& holds) {
-        for (int i = 0; i < 1000 && !holds(); ++i)
+        for (int i = 0; i < 6000 && !holds(); ++i)
             std::this_thread::sleep_for(std::chrono::milliseconds(5));
         return holds();
     }
+    // Twice and a half what closing may take at most, which bench/log_bench measures: others use the
+    // processor here.
+    static constexpr std::int64_t kSoon = 5000;
     std::int64_t MillisecondsToStop() {
         const auto begin = std::chrono::steady_clock::now();
         log.Stop();
@@ -149,7 +152,7 @@ TEST_F(ThreadsLog, NothingIsLostAcrossMidnights) {
                !fs::exists(root / "Log" / "Dravel_20210201.log");
     };
     EXPECT_TRUE(Eventually(archives));
-    EXPECT_LT(MillisecondsToStop(), 2000);
+    EXPECT_LT(MillisecondsToStop(), kSoon);
 
     const auto logs = Logs();
     std::vector<int> next(kThreads, 0);
@@ -231,17 +234,21 @@ TEST_F(ThreadsLog, AStopAtAnyMomentIsHeard) {
     }
 }
 
-// A disk so slow that the queue overflows: errors all arrive, information is dropped and counted, closing
-// does not wait for the rest.
+// A disk that stands still while the queue overflows and is slow then: nobody who writes waits for it, errors
+// all arrive, information is dropped and counted, closing does not wait for the rest.
 TEST_F(ThreadsLog, ClosingIsShortAndErrorsArrive) {
+    std::atomic<bool> allSaid = false, heldUp = false;
+    files.onOpen = [&](const fs::path&, FileMode) {
+        if (!Eventually([&] { return allSaid.load(); })) heldUp = true;
+    };
     files.delay = 100;
     log.Start();
     const std::string text(1000, 'x');
-    const auto begin = std::chrono::steady_clock::now();
     for (int i = 0; i < 6000; ++i)
         log.Line(i % 100 ? LogLevel::Info : LogLevel::Error, "Test", text);
-    EXPECT_LT(std::chrono::steady_clock::now() - begin, std::chrono::seconds(7)) << "the writer was held up";
-    EXPECT_LT(MillisecondsToStop(), 2000);
+    allSaid = true;
+    EXPECT_LT(MillisecondsToStop(), kSoon);
+    EXPECT_FALSE(heldUp) << "somebody waited for the disk";
     const std::string all = Logs()["Dravel_20210131.log"];
     EXPECT_EQ(Count(all, " ERROR "), 60u);
     const std::size_t informed = Count(all, " INFO ");
@@ -254,7 +261,7 @@ TEST_F(ThreadsLog, ADiskThatComesBackGetsWhatWaited) {
     log.Start();
     log.Line(LogLevel::Error, "Test", "first");
     std::this_thread::sleep_for(std::chrono::milliseconds(50));
-    EXPECT_LT(MillisecondsToStop(), 2000);
+    EXPECT_LT(MillisecondsToStop(), kSoon);
     log.Start();
     log.Line(LogLevel::Error, "Test", "second");
     files.broken = false;
