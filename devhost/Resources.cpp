@@ -3,9 +3,11 @@
 
 #include <windows.h>
 
+#include <intrin.h>
 #include <psapi.h>
 #include <tlhelp32.h>
 
+#include <algorithm>
 #include <vector>
 
 #include "Text.h"
@@ -70,6 +72,40 @@ std::uint32_t CountWindows() {
     return static_cast<std::uint32_t>(count);
 }
 
+// Wine counts neither USER nor GDI objects. Of the former it knows menus by the lower half of their handle.
+std::uint32_t CountMenus() {
+    std::uint32_t count = 0;
+    for (std::uintptr_t handle = 0x20; handle < 0xFFF0; handle += 2)
+        count += IsMenu(reinterpret_cast<HMENU>(handle)) != 0;
+    return count;
+}
+
+// The table of GDI objects stands where Windows had it of old. The device context of a window is left out
+// with the region and the bitmap that belong to it: Wine keeps some fifty of them for the windows to come.
+std::uint32_t CountWineGdiObjects() {
+    struct Entry {
+        std::uint64_t object;
+        std::uint32_t owner;
+        std::uint16_t unique;
+        std::uint8_t type, flags;
+        std::uint64_t user;
+    };
+    constexpr std::size_t kEntries = 0x4000, kProcessBlock = 0x60, kTable = 0xF8;
+    constexpr unsigned kKind = 0x7F, kWindowContext = 0x01;
+    const auto block = static_cast<std::uintptr_t>(__readgsqword(kProcessBlock));
+    const auto* const table = *reinterpret_cast<const Entry* const*>(block + kTable);
+    if (!table) return 0;
+    const auto used = std::count_if(table, table + kEntries, [](const Entry& e) { return e.type != 0; });
+    const auto contexts = std::count_if(table, table + kEntries, [](const Entry& e) {
+        return e.type != 0 && (e.unique & kKind) == kWindowContext;
+    });
+    return static_cast<std::uint32_t>(used - 3 * contexts);
+}
+
+bool OnWine() {
+    return GetProcAddress(GetModuleHandleW(L"ntdll.dll"), "wine_get_version") != nullptr;
+}
+
 }  // namespace
 
 ResourceCount CountResources() {
@@ -77,8 +113,9 @@ ResourceCount CountResources() {
     count.handles = CountHandles();
     count.threads = CountThreads();
     count.windows = CountWindows();
-    count.user = GetGuiResources(GetCurrentProcess(), GR_USEROBJECTS);
-    count.gdi = GetGuiResources(GetCurrentProcess(), GR_GDIOBJECTS);
+    const bool wine = OnWine();
+    count.user = wine ? CountMenus() : GetGuiResources(GetCurrentProcess(), GR_USEROBJECTS);
+    count.gdi = wine ? CountWineGdiObjects() : GetGuiResources(GetCurrentProcess(), GR_GDIOBJECTS);
     PROCESS_MEMORY_COUNTERS_EX memory{};
     if (K32GetProcessMemoryInfo(GetCurrentProcess(), reinterpret_cast<PROCESS_MEMORY_COUNTERS*>(&memory),
                                 sizeof memory))
