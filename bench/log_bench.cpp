@@ -55,7 +55,9 @@ double PlainWriteMicroseconds(const std::filesystem::path& path, std::size_t lin
 }  // namespace
 
 int main(int count, char** arguments) {
-    const std::filesystem::path folder = count > 1 ? arguments[1] : "log-bench";
+    // A folder that is named stays, to look at the archives.
+    const std::filesystem::path folder =
+        count > 1 ? arguments[1] : std::filesystem::temp_directory_path() / "dravel-log-bench";
     ShiftedClock clock;
     CFileLog log(SystemFiles(), clock, folder);
     log.Start();
@@ -97,4 +99,5 @@ int main(int count, char** arguments) {
                 static_cast<double>(sorted[sorted.size() * 999 / 1000]));
     std::printf("three days archived %.0f ms after the first line\n", archived / 1000);
     std::printf("closing: %.0f ms (at most 2000)\n", closed / 1000);
+    if (count == 1) std::filesystem::remove_all(folder);
 }
