@@ -45,13 +45,6 @@ void Press(Stage& stage, HWND dialog, const std::string& name) {
     if (!stage.Holds(pressed, stage.limit)) Fail(error + "; " + DescribeDialogs());
 }
 
-HWND AwaitBox(Stage& stage, const std::wstring& title, const std::wstring& text) {
-    HWND found = nullptr;
-    if (!stage.Holds([&] { return (found = FindBox(title, text)) != nullptr; }, stage.limit))
-        Fail("it does not come; " + DescribeDialogs());
-    return found;
-}
-
 // Topmost, as the commands that follow act on the topmost dialog: one that lies under a dialog which is still
 // going is not there yet.
 void WaitDialog(Stage& stage, const Words& words) {
@@ -70,7 +63,10 @@ void Answer(Stage& stage, HWND box, const std::string& button) {
 }
 
 void ExpectBox(Stage& stage, const Words& words) {
-    const HWND box = AwaitBox(stage, FromUtf8(words[0]), FromUtf8(words[1]));
+    const std::wstring title = FromUtf8(words[0]), text = FromUtf8(words[1]);
+    HWND box = nullptr;
+    if (!stage.Holds([&] { return (box = FindBox(title, text)) != nullptr; }, stage.limit))
+        Fail("it does not come; " + DescribeDialogs());
     if (words.size() > 2) Answer(stage, box, words[2]);
 }
 
@@ -151,13 +147,10 @@ void NoDialogs(Stage& stage, const Words&) {
 
 void Import(Stage& stage, const Words& words) {
     stage.OnUi([] { PostMessageW(FindGrid(), WM_COMMAND, kImportCommand, 0); });
-    const HWND dialog = AwaitBox(stage, L"Import Trades", L"");
-    const std::wstring path =
-        std::filesystem::path(stage.scriptFolder / FromUtf8(words[0])).make_preferred().native();
-    const HWND edit = FindControl(dialog, NumberText(kImportPath));
-    if (!edit) Fail("the import dialog has no path edit");
-    SendMessageW(edit, WM_SETTEXT, 0, reinterpret_cast<LPARAM>(path.c_str()));
-    Press(stage, dialog, "OK");
+    WaitDialog(stage, {"Import Trades"});
+    const auto path = std::filesystem::path(stage.scriptFolder / FromUtf8(words[0])).make_preferred();
+    SetText(stage, {NumberText(kImportPath), ToUtf8(path.native())});
+    PressCommand(stage, {"OK"});
 }
 
 bool Noticed(Stage& stage, const std::wstring& pattern) {

@@ -8,6 +8,7 @@
 #include <charconv>
 #include <fstream>
 
+#include "Clipboard.h"
 #include "Commands.h"
 #include "Stage.h"
 #include "Text.h"
@@ -27,7 +28,6 @@ constexpr GridCommand kGridCommands[] = {
     {"copy", 40013},       {"import-report", 40014},
 };
 constexpr WORD kCopy = 40013, kClearSelection = 40010;
-constexpr wchar_t kClipboardFormat[] = L"VELT_CLIPBOARD";
 
 HWND Grid() {
     if (const auto dialogs = Dialogs(); !dialogs.empty()) {
@@ -142,17 +142,6 @@ void DropFile(Stage& stage, const Words& words) {
     stage.OnUi([grid, block] { PostMessageW(grid, WM_DROPFILES, reinterpret_cast<WPARAM>(block), 0); });
 }
 
-// False while another program holds it.
-bool ReadClipboard(std::string& text) {
-    if (!OpenClipboard(nullptr)) return false;
-    text.clear();
-    const HANDLE data = GetClipboardData(RegisterClipboardFormatW(kClipboardFormat));
-    const char* bytes = data ? static_cast<const char*>(GlobalLock(data)) : nullptr;
-    if (bytes) text.assign(bytes, strnlen(bytes, GlobalSize(data)));
-    if (bytes) GlobalUnlock(data);
-    return CloseClipboard() != 0;
-}
-
 bool EmptyTheClipboard() {
     if (!OpenClipboard(nullptr)) return false;
     EmptyClipboard();
@@ -166,7 +155,9 @@ void ReadGrid(Stage& stage) {
     FocusGrid(stage, {});
     Key(stage, {"ctrl+a"});
     SendCommand(stage, kCopy);
-    stage.Until([&stage] { return ReadClipboard(stage.grid); }, "the clipboard is held");
+    stage.Until([&stage] { return ReadClipboard(OwnClipboardFormat(), stage.grid); },
+                "the clipboard is held");
+    stage.grid.resize(strnlen(stage.grid.data(), stage.grid.size()));
     SendCommand(stage, kClearSelection);
 }
 

@@ -2,6 +2,7 @@
 // its filter field, whose control identifier is 2000 + the column's number. And what the clipboard holds.
 #include <algorithm>
 
+#include "Clipboard.h"
 #include "Commands.h"
 #include "Stage.h"
 #include "Text.h"
@@ -206,35 +207,28 @@ void ExpectMenu(Stage& stage, const Words& words) {
 UINT ClipboardFormat(const std::string& name) {
     if (name == "text") return CF_UNICODETEXT;
     if (name == "html") return RegisterClipboardFormatW(L"HTML Format");
-    if (name == "own") return RegisterClipboardFormatW(L"VELT_CLIPBOARD");
+    if (name == "own") return OwnClipboardFormat();
     Fail("text, html or own");
 }
 
-// False while another program holds it.
-bool ReadClipboard(UINT format, std::wstring& text) {
-    if (!OpenClipboard(nullptr)) return false;
-    text.clear();
-    const HANDLE data = GetClipboardData(format);
-    if (const void* bytes = data ? GlobalLock(data) : nullptr) {
-        const std::size_t size = GlobalSize(data);
-        if (format == CF_UNICODETEXT) {
-            const auto* wide = static_cast<const wchar_t*>(bytes);
-            text.assign(wide, wcsnlen(wide, size / sizeof(wchar_t)));
-        } else {
-            const auto* narrow = static_cast<const char*>(bytes);
-            const std::string kept(narrow, strnlen(narrow, size));
-            text = format == ClipboardFormat("html") ? FromUtf8(kept) : Wide(kept);
-        }
-        GlobalUnlock(data);
+bool ReadClipboardText(UINT format, std::wstring& text) {
+    std::string bytes;
+    if (!ReadClipboard(format, bytes)) return false;
+    if (format == CF_UNICODETEXT) {
+        const auto* wide = reinterpret_cast<const wchar_t*>(bytes.data());
+        text.assign(wide, wcsnlen(wide, bytes.size() / sizeof(wchar_t)));
+    } else {
+        bytes.resize(strnlen(bytes.data(), bytes.size()));
+        text = format == ClipboardFormat("html") ? FromUtf8(bytes) : Wide(bytes);
     }
-    return CloseClipboard() != 0;
+    return true;
 }
 
 void ExpectClipboard(Stage& stage, const Words& words) {
     const UINT format = ClipboardFormat(words[0]);
     const std::wstring pattern = FromUtf8(words[1]);
     std::wstring found;
-    const auto matches = [&] { return ReadClipboard(format, found) && Matches(pattern, found); };
+    const auto matches = [&] { return ReadClipboardText(format, found) && Matches(pattern, found); };
     if (!stage.Holds(matches, stage.limit))
         Fail("the clipboard holds \"" + ToUtf8(found).substr(0, 600) + '"');
 }
@@ -242,7 +236,7 @@ void ExpectClipboard(Stage& stage, const Words& words) {
 void DumpClipboard(Stage& stage, const Words& words) {
     const UINT format = ClipboardFormat(words[0]);
     std::wstring text;
-    stage.Until([&] { return ReadClipboard(format, text); }, "the clipboard is held");
+    stage.Until([&] { return ReadClipboardText(format, text); }, "the clipboard is held");
     std::ofstream(stage.File(words[1]), std::ios::binary) << ToUtf8(text);
 }
 
