@@ -36,6 +36,7 @@ struct ShiftedClock final : IClock {
         return now;
     }
     std::int32_t ZoneOffset(std::int64_t) const override { return 0; }
+    std::uint64_t Ticks() const override { return 0; }
     void Sleep(std::uint32_t) const override {}
 };
 

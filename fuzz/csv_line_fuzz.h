@@ -29,6 +29,7 @@ class FuzzFile final : public IFile {
     FileStatus Write(const void*, std::size_t) override { return {FileFault::Other, 0}; }
     FileStatus Flush() override { return {}; }
     FileStatus Seek(std::uint64_t) override { return {FileFault::Other, 0}; }
+    FileStatus Cut(std::uint64_t) override { return {FileFault::Other, 0}; }
     FileStatus Size(std::uint64_t& bytes) override {
         bytes = size_;
         return {};

@@ -70,6 +70,7 @@ class BlockDisk final : public IFiles {
             size = bytes_.size();
             return {};
         }
+        FileStatus Cut(std::uint64_t) override { return {FileFault::Other, 0}; }
         FileStatus Close() override { return {}; }
 
      private:
@@ -82,6 +83,7 @@ struct StoppedClock final : IClock {
     std::int64_t Now() const override { return 0; }
     CivilTime LocalNow() const override { return {}; }
     std::int32_t ZoneOffset(std::int64_t) const override { return 0; }
+    std::uint64_t Ticks() const override { return 0; }
     void Sleep(std::uint32_t) const override {}
 };
 struct NoLog final : ILog {

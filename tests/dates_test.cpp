@@ -15,6 +15,7 @@ class ZoneClock : public IClock {
     std::int64_t Now() const override { return 0; }
     CivilTime LocalNow() const override { return {2024, 3, 15, 14, 5, 9, 42}; }
     std::int32_t ZoneOffset(std::int64_t) const override { return offset_; }
+    std::uint64_t Ticks() const override { return 0; }
     void Sleep(std::uint32_t) const override {}
 
  private:

@@ -41,6 +41,7 @@ struct SharedClock final : IClock {
         return At().LocalNow();
     }
     std::int32_t ZoneOffset(std::int64_t) const override { return 0; }
+    std::uint64_t Ticks() const override { return 0; }
     void Sleep(std::uint32_t) const override {}
 };
 
@@ -58,6 +59,7 @@ struct SlowFiles final : IFiles {
         }
         FileStatus Flush() override { return file->Flush(); }
         FileStatus Seek(std::uint64_t at) override { return file->Seek(at); }
+        FileStatus Cut(std::uint64_t bytes) override { return file->Cut(bytes); }
         FileStatus Size(std::uint64_t& n) override { return file->Size(n); }
         FileStatus Close() override { return file->Close(); }
         SlowFiles& files;

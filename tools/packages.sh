@@ -12,7 +12,7 @@ install_missing() {
   "${root[@]}" env DEBIAN_FRONTEND=noninteractive apt-get install -y -qq --no-install-recommends "${missing[@]}" >/dev/null
 }
 
-PACKAGES_BUILD=(cmake ninja-build ccache g++ zlib1g-dev g++-mingw-w64-x86-64-posix libz-mingw-w64-dev googletest)
+PACKAGES_BUILD=(cmake ninja-build ccache g++ zlib1g-dev g++-mingw-w64-x86-64-posix libz-mingw-w64-dev googletest libxxhash-dev)
 PACKAGES_WINE=(wine wine64 fonts-wine fonts-liberation xvfb xdotool)
 PACKAGES_TEST=(clang-format strace binutils file)
 PACKAGES_FUZZ=(clang-14)

@@ -19,6 +19,8 @@ class IClock {
     virtual CivilTime LocalNow() const = 0;
     // Seconds to add to UTC `time` to get local time at that moment (the zone's rules, summer time included).
     virtual std::int32_t ZoneOffset(std::int64_t time) const = 0;
+    // Milliseconds of a clock that nobody sets, counted from some moment before the first call.
+    virtual std::uint64_t Ticks() const = 0;
     // Lets the calling thread rest; a test's clock returns at once.
     virtual void Sleep(std::uint32_t milliseconds) const = 0;
 };

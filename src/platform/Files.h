@@ -52,6 +52,8 @@ class IFile {
     virtual FileStatus Flush() = 0;
     virtual FileStatus Seek(std::uint64_t position) = 0;
     virtual FileStatus Size(std::uint64_t& bytes) = 0;
+    // Shortens the file to `bytes`, which it must have; the position is behind them then.
+    virtual FileStatus Cut(std::uint64_t bytes) = 0;
     virtual FileStatus Close() = 0;
 };
 

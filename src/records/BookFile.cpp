@@ -92,6 +92,16 @@ void BookFile::TradesReplaced(std::uint32_t count) {
         std::to_string(count) + " trades of the record file gave way to later ones of the same identifier");
 }
 
+void BookFile::SetWatch(ISaveWatch* watch) {
+    const std::lock_guard guard(lock_);
+    watch_ = watch ? watch : &noWatch_;
+}
+
+FileSum BookFile::Sum() {
+    const std::lock_guard guard(lock_);
+    return loadedSum_;
+}
+
 SaveResult BookFile::Save(const BookImage& image) {
     try {
         const std::lock_guard guard(lock_);
@@ -115,10 +125,14 @@ SaveResult BookFile::SaveLocked(const BookImage& image) {
     FileStatus status = MakeBackup();
     if (!status) {
         result = {false, FaultText("The backup could not be made", status)};
-    } else if (status = Swap(); !status) {
-        result = {false, FaultText("The old book could not be replaced", status)};
+    } else {
+        watch_->BeforeSwap(newSum_);
+        if (status = Swap(); !status)
+            result = {false, FaultText("The old book could not be replaced", status)};
+        watch_->AfterSwap(result.ok);
     }
     if (result.ok) {
+        loadedSum_ = newSum_;
         holdsUnread_ = false;
         backedUp_ = false;
     } else {
@@ -143,10 +157,14 @@ FileStatus BookFile::WriteNew(const BookImage& image) {
 }
 
 FileStatus BookFile::WriteWhole(IFile& file, const BookImage& image) {
+    RunningChecksum sum;
     for (std::size_t i = 0; i < image.Pieces(); ++i) {
         const auto piece = image.Piece(i);
+        sum.Add(piece.data(), piece.size());
         if (const FileStatus status = file.Write(piece.data(), piece.size()); !status) return status;
+        watch_->Between();
     }
+    newSum_ = sum.Sum();
     if (const FileStatus status = file.Flush(); !status) return status;
     std::uint64_t size = 0;
     if (const FileStatus status = file.Size(size); !status) return status;
@@ -207,6 +225,7 @@ FileStatus BookFile::CopyBytes(IFile& from, IFile& to) {
         if (const FileStatus status = from.Read(block.get(), kCopyBlock, got); !status) return status;
         if (got == 0) return to.Flush();
         if (const FileStatus status = to.Write(block.get(), got); !status) return status;
+        watch_->Between();
     }
 }
 
@@ -214,6 +233,7 @@ FileStatus BookFile::Swap() {
     for (int tries = 1;; ++tries) {
         const FileStatus status = files_.Replace(newPath_, livePath_);
         if (status.fault != FileFault::InUse || tries == kSwapTries) return status;
+        watch_->Between();
         clock_.Sleep(kSwapPause);
     }
 }

@@ -9,6 +9,7 @@
 
 #include "records/ADAStore.h"
 #include "records/BookImage.h"
+#include "records/SaveWatch.h"
 #include "records/TradeImpl.h"
 
 namespace Dravel {
@@ -49,6 +50,11 @@ class BookFile final : public KRV::VELT::CKRVTradeImpl {
     // and kept by a dated backup as what was passed over is.
     void TradesReplaced(std::uint32_t count);
 
+    // Who hears of saves from now on; nullptr: nobody. Not while one runs.
+    void SetWatch(ISaveWatch* watch);
+    // The book on the disk, as it was loaded or saved last.
+    FileSum Sum();
+
     // Replaces the whole book by the image: returns ok once its bytes are on the disk. On failure the old
     // book stands as it was. Never throws.
     SaveResult Save(const BookImage& image);
@@ -69,6 +75,9 @@ class BookFile final : public KRV::VELT::CKRVTradeImpl {
 
     std::filesystem::path lockPath_, newPath_;
     std::unique_ptr<IFile> owner_;
+    ISaveWatch noWatch_;
+    ISaveWatch* watch_ = &noWatch_;
+    FileSum newSum_;         // of the image that was written last
     bool backedUp_ = false;  // the live file as it stands has its dated backup
 };
 

@@ -47,6 +47,7 @@ class CKRVFileImpl::Loader {
                 file_.LogFault("Read failed: ", status, "KRV::Base::CKRVFileImpl::Load");
                 return false;
             }
+            sum_.Add(buffer_.get() + held_, got);
             held_ += got;
             ended_ = got == 0;
             Parse();
@@ -56,6 +57,7 @@ class CKRVFileImpl::Loader {
             if (ended_ && (held_ == 0 || std::exchange(endedBefore_, true))) break;
         }
         if (held_ > 0) file_.PassedOver(held_);
+        file_.loadedSum_ = sum_.Sum();
         return true;
     }
 
@@ -124,6 +126,7 @@ class CKRVFileImpl::Loader {
     CKRVFileImpl& file_;
     const std::size_t size_;
     std::unique_ptr<std::uint8_t[]> buffer_;
+    RunningChecksum sum_;
     std::size_t held_ = 0, parsed_ = 0;
     bool ended_ = false, endedBefore_ = false;
 };

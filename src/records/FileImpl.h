@@ -11,6 +11,7 @@
 #include "platform/Clock.h"
 #include "platform/Files.h"
 #include "platform/Lock.h"
+#include "records/Checksum.h"
 #include "support/Log.h"
 
 namespace KRV::Base {
@@ -80,6 +81,7 @@ class CKRVFileImpl {
     std::filesystem::path livePath_;
     std::string lastFault_;  // why the last operation on the disk failed, in words
     std::uint32_t loadedBytes_ = 0;
+    Dravel::FileSum loadedSum_;  // of the bytes that the last load read
     std::unique_ptr<Dravel::IFile> stream_;
     bool holdsUnread_ = false;  // the live file holds bytes that no load has made records of
     KRV::Thread::CKRVLock lock_;

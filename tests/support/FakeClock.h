@@ -26,10 +26,12 @@ class FakeClock final : public IClock {
                 7};
     }
     std::int32_t ZoneOffset(std::int64_t) const override { return zone; }
+    std::uint64_t Ticks() const override { return ticks + slept; }
     void Sleep(std::uint32_t milliseconds) const override { slept += milliseconds; }
 
     std::int64_t now = kStart;
     std::int32_t zone = 0;
+    std::uint64_t ticks = 0;  // what Ticks counts beside the rests
     mutable std::uint64_t slept = 0;
 };
 

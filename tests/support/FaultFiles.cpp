@@ -55,6 +55,14 @@ class FaultFiles::Handle final : public IFile {
         if (status) bytes = node_->bytes.size();
         return status;
     }
+    FileStatus Cut(std::uint64_t bytes) override {
+        if (const FileStatus status = Step(); !status) return status;
+        node_->bytes.resize(bytes);
+        node_->dirty = true;
+        disk_->Changed(*node_);
+        at_ = bytes;
+        return {};
+    }
     FileStatus Close() override {
         const FileStatus status = Step();
         Detach();

@@ -33,6 +33,13 @@ class PosixClock final : public IClock {
         return static_cast<std::int32_t>(timegm(&local) - seconds);
     }
 
+    std::uint64_t Ticks() const override {
+        timespec now{};
+        clock_gettime(CLOCK_MONOTONIC, &now);
+        return static_cast<std::uint64_t>(now.tv_sec) * 1000 +
+               static_cast<std::uint64_t>(now.tv_nsec) / 1000000;
+    }
+
     void Sleep(std::uint32_t milliseconds) const override {
         std::this_thread::sleep_for(std::chrono::milliseconds(milliseconds));
     }

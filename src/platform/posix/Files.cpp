@@ -131,6 +131,11 @@ class PosixFile final : public IFile {
         return {};
     }
 
+    FileStatus Cut(std::uint64_t bytes) override {
+        if (::ftruncate(fd_, static_cast<off_t>(bytes)) != 0) return LastStatus();
+        return Seek(bytes);
+    }
+
     void RemoveOnClose(const fs::path& path) { unlinkOnClose_ = path; }
 
     FileStatus Close() override {

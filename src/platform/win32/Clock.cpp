@@ -10,7 +10,7 @@ namespace {
 constexpr std::int64_t kEpoch = 116444736000000000;
 constexpr std::int64_t kTicksPerSecond = 10000000;
 
-std::int64_t Ticks(const FILETIME& time) {
+std::int64_t SystemTicks(const FILETIME& time) {
     return static_cast<std::int64_t>(static_cast<std::uint64_t>(time.dwHighDateTime) << 32 |
                                      time.dwLowDateTime);
 }
@@ -20,7 +20,7 @@ class Win32Clock final : public IClock {
     std::int64_t Now() const override {
         FILETIME now;
         GetSystemTimeAsFileTime(&now);
-        return (Ticks(now) - kEpoch) / kTicksPerSecond;
+        return (SystemTicks(now) - kEpoch) / kTicksPerSecond;
     }
 
     CivilTime LocalNow() const override {
@@ -41,8 +41,10 @@ class Win32Clock final : public IClock {
             !SystemTimeToFileTime(&local, &localFile)) {
             return 0;
         }
-        return static_cast<std::int32_t>((Ticks(localFile) - ticks) / kTicksPerSecond);
+        return static_cast<std::int32_t>((SystemTicks(localFile) - ticks) / kTicksPerSecond);
     }
+
+    std::uint64_t Ticks() const override { return GetTickCount64(); }
 
     void Sleep(std::uint32_t milliseconds) const override { ::Sleep(milliseconds); }
 };

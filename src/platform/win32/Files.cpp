@@ -96,6 +96,11 @@ class Win32File final : public IFile {
         return {};
     }
 
+    FileStatus Cut(std::uint64_t bytes) override {
+        const FileStatus status = Seek(bytes);
+        return status ? StatusOf(SetEndOfFile(handle_.get())) : status;
+    }
+
     FileStatus Close() override { return StatusOf(handle_.reset()); }
 
  private:
