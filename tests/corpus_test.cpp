@@ -6,6 +6,7 @@
 #include <iterator>
 #include <vector>
 
+#include "SourceFolder.h"
 #include "fuzz/csv_line_fuzz.h"
 #include "fuzz/format_set_fuzz.h"
 #include "fuzz/frame_fuzz.h"

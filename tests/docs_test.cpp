@@ -7,6 +7,7 @@
 #include <sstream>
 #include <string>
 
+#include "SourceFolder.h"
 #include "message/TagMessageReader.h"
 #include "plugin/Answers.h"
 #include "plugin/HostCallbacks.h"

@@ -9,6 +9,7 @@
 #include <map>
 #include <set>
 
+#include "SourceFolder.h"
 #include "formatset/CsvLine.h"
 #include "formatset/NumberText.h"
 #include "generator/TradeGenerator.h"

@@ -8,6 +8,8 @@
 #include <string>
 #include <vector>
 
+#include "SourceFolder.h"
+
 namespace {
 
 namespace fs = std::filesystem;

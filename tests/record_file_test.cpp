@@ -5,6 +5,7 @@
 #include <iterator>
 #include <sstream>
 
+#include "SourceFolder.h"
 #include "message/FieldBytes.h"
 #include "records/TradeFrame.h"
 #include "support/BookRig.h"
