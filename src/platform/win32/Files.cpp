@@ -29,6 +29,9 @@ FileFault FaultOf(DWORD error) {
         case ERROR_LOCK_VIOLATION:
         case ERROR_USER_MAPPED_FILE:
             return FileFault::InUse;
+        case ERROR_ACCESS_DENIED:
+        case ERROR_WRITE_PROTECT:
+            return FileFault::Denied;
         case ERROR_DISK_FULL:
         case ERROR_HANDLE_DISK_FULL:
             return FileFault::Full;
