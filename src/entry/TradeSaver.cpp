@@ -11,6 +11,7 @@ namespace Dravel {
 struct TradeSaver::Run {
     KRV::Thread::CKRVEvent done;  // set once `result` is there
     SaveResult result;
+    std::uint64_t revision = 0;  // of the book that is saved
 };
 
 TradeSaver::~TradeSaver() {
@@ -46,6 +47,7 @@ void TradeSaver::Begin() try {
         image.Append(parts_.book.Row(row));
 
     const auto run = std::make_shared<Run>();
+    run->revision = parts_.book.Revision();
     const auto done = [this, run, &ui = parts_.ui](const SaveResult& result) {
         run->result = result;
         run->done.Set();
@@ -67,6 +69,7 @@ void TradeSaver::Finish(Run& run) {
     running_.reset();
     if (std::exchange(again_, false)) Begin();
     if (result.ok) {
+        parts_.book.Saved(run.revision);
         user_.Notice("Dravel Save Successfully");
     } else {
         Fail(result.reason);

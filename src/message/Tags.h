@@ -82,6 +82,10 @@ inline constexpr Tag VELTOrderID = 20402;
 inline constexpr Tag ExchangeTradeID = 55402;
 inline constexpr Tag ExchangeOrderNo = 55403;
 inline constexpr Tag DeletedMark = 5005;
+
+// Files of our own beside the book
+inline constexpr Tag WaitingNumber = 20421;  // of a trade in its waiting file
+inline constexpr Tag FrameSum = 30011;       // checksum of the bytes before it; the last field
 }  // namespace tag
 
 // Message codes: the value of tag::MessageCode, first field of every frame.
@@ -124,4 +128,7 @@ inline constexpr Code ManualClient = 32053;
 
 // Record file
 inline constexpr Code StoredTrade = 60004;
+
+// Waiting file
+inline constexpr Code WaitingTrade = 60021;
 }  // namespace msg

@@ -255,6 +255,14 @@ void ReadTradeFrame(CTagMessageReader& frame, TradeRecord& record, ISecurityMast
     FinishReading(record, master);
 }
 
+void ReadOwnFields(CTagMessageReader& frame, TradeRecord& record) {
+    Byte* bytes = reinterpret_cast<Byte*>(&record);
+    do {
+        if (!TakeField(frame, bytes, kStoredTakers)) frame.SkipValue();
+    } while (frame.NextTag());
+    FinishReading(record, nullptr);
+}
+
 // One byte of a header proves nothing: a text may end in it. Behind the deleted mark there is no text.
 std::size_t ForeignBytes(const CTagMessageReader& frame) {
     if (!frame.Plain()) return 0;

@@ -2,7 +2,9 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <span>
+#include <utility>
 #include <vector>
 
 #include "host/Host.h"
@@ -108,6 +110,11 @@ class TradeBook final : public ITradeSink {
     // Counts the changes of the book since it was made; two equal values mean the same trades.
     std::uint64_t Revision() const { return revision_; }
     void SetChanged(bool changed);
+    // The book as it was at this revision is on the disk now: told to who wants to know. Empty: nobody.
+    void Saved(std::uint64_t revision) {
+        if (saved_) saved_(revision);
+    }
+    void WhenSaved(std::function<void(std::uint64_t revision)> saved) { saved_ = std::move(saved); }
     bool AnalysisOnly() const { return analysisOnly_; }
     void SetAnalysisOnly(bool on) { analysisOnly_ = on; }
     const RunningTotals& Totals() const { return totals_; }
@@ -128,6 +135,7 @@ class TradeBook final : public ITradeSink {
     IHost& host_;
     SecurityLookup securities_;
     IBookObserver* observer_ = nullptr;
+    std::function<void(std::uint64_t)> saved_;
     TradeStore store_;
     std::vector<TradeItem> rows_;       // the last is the top row, so that a trade comes in at the end
     std::vector<std::uint32_t> ranks_;  // by item; ascending along rows_, so that an item's row can be found
