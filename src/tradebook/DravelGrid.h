@@ -169,6 +169,7 @@ class CDravelGrid final : public CVELTSGridCtrl,
     // The commands about the look of the grid and its export. False: none of them.
     bool LayoutCommand(std::uint32_t id);
     void ExportCsv();
+    bool KnowDivisors();
     void WriteExport(const std::filesystem::path& path);
     void ChooseFields();
     void EditProperties();
@@ -194,7 +195,8 @@ class CDravelGrid final : public CVELTSGridCtrl,
     Dravel::TradeItem selectedAtFirst_ = Dravel::kNoItem;  // when the first row was added
     std::function<void()> statusListener_;
     Dravel::PriceDivisors divisors_;
-    std::string refusal_;     // of the text that was typed last
-    bool committed_ = false;  // the last edit brought its row into the book
-    bool spoken_ = false;     // validation spoke at the end of the last edit
+    Dravel::FileStatus divisorFault_;  // why they are not known
+    std::string refusal_;              // of the text that was typed last
+    bool committed_ = false;           // the last edit brought its row into the book
+    bool spoken_ = false;              // validation spoke at the end of the last edit
 };
