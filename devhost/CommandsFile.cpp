@@ -2,6 +2,8 @@
 #include <algorithm>
 #include <fstream>
 #include <iterator>
+#include <map>
+#include <string>
 
 #include "Commands.h"
 #include "Dialogs.h"
@@ -113,6 +115,29 @@ void HoldFile(Stage& stage, const Words& words) {
     if (heldFile == INVALID_HANDLE_VALUE) Fail("the file cannot be opened");
 }
 
+// As a program that lets nobody else near the file: a virus scanner, a backup. Several at a time.
+std::map<std::wstring, HANDLE> kept;
+
+void LetGo(Stage&, const Words& words) {
+    const auto found = kept.find(OfProgram(words[0]).native());
+    if (found == kept.end()) Fail("it is not held");
+    CloseHandle(found->second);
+    kept.erase(found);
+}
+
+void Hold(Stage& stage, const Words& words) {
+    const std::wstring path = OfProgram(words[0]).native();
+    HANDLE file = INVALID_HANDLE_VALUE;
+    stage.Until(
+        [&] {
+            file = CreateFileW(path.c_str(), GENERIC_READ | GENERIC_WRITE, 0, nullptr, OPEN_EXISTING, 0,
+                               nullptr);
+            return file != INVALID_HANDLE_VALUE;
+        },
+        "the file cannot be opened");
+    kept.insert({path, file});
+}
+
 constexpr CommandEntry kCommands[] = {
     {"expect-in-file", "PATH TEXT", 2, 2, ExpectInFile},
     {"same-file", "FILE EXPECTED", 2, 2, SameFile},
@@ -123,6 +148,8 @@ constexpr CommandEntry kCommands[] = {
     {"file-dialog", "PATH", 1, 1, FileDialog},
     {"hold-file", "PATH", 1, 1, HoldFile},
     {"release-file", "", 0, 0, ReleaseFile},
+    {"hold", "PATH", 1, 1, Hold},
+    {"let-go", "PATH", 1, 1, LetGo},
 };
 
 }  // namespace

@@ -30,6 +30,9 @@ bool CDravelBar::OnCreate() {
     MakeStatusLine();
     context_.entry.BookOpened(
         {book_, store_.get(), *this, context_.log, &context_, [this] { StatusStale(); }});
+    // Until the properties say so no trade is reported as a position.
+    book_.SetAnalysisOnly(true);
+    WatchFiles();
     return true;
 }
 
@@ -88,18 +91,34 @@ void CDravelBar::OnSaveProperties(std::string_view key) {
     context_.SaveSettings();
 }
 
+// Every two seconds: what could not be read or written before.
+void CDravelBar::RetryFiles() {
+    context_.guard.Retry();
+    if (context_.guard.AskIsDue()) Post([this] { context_.guard.Ask(context_.user); });
+    if (grid_) grid_->RetryProfile();
+    context_.entry.RetryFiles();
+    TellOfSettings();
+}
+
+void CDravelBar::TellOfSettings() {
+    if (const std::string notice = context_.guard.TakeNotice(); !notice.empty()) context_.user.Notice(notice);
+}
+
 // Where the user left it; the first time at the bottom of the frame.
 void CDravelBar::TakePlace() {
     DockState place = State();
+    if (placed_ && *placed_ != place) return;
     place.side = DockSide::Bottom;
     LoadBarPlace(context_.settings, kPlaceKey, place);
     SetState(place);
+    placed_ = State();
 }
 
 // Place, properties and columns as the user leaves them.
 void CDravelBar::KeepLayout() {
     if (!grid_) return;
-    SaveBarPlace(context_.settings, kPlaceKey, State());
+    // Before the settings are known this would be the place without any.
+    if (context_.guard.Known()) SaveBarPlace(context_.settings, kPlaceKey, State());
     SaveProperties(kGridKey);
     grid_->SaveLayout();
 }

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <memory>
+#include <optional>
 #include <string_view>
 
 #include "records/BookFile.h"
@@ -22,8 +23,11 @@ class CDravelBar final : public CVELTSDockingControlBar {
 
     CDravelGrid* Grid() { return grid_.get(); }
     Dravel::TradeBook& Book() { return book_; }
+    // Whether what enters the book can be saved.
+    bool OwnsBook() const { return store_ != nullptr; }
 
-    // Docks or floats where it was when it last went.
+    // Docks or floats where it was when it last went. Called again, it moves the bar only when nobody else
+    // has: the settings may come late.
     void TakePlace();
     // Ends an open edit, then asks when something changed since the last save and the bar is shown. False:
     // validation has spoken, and the grid is not to be left.
@@ -56,6 +60,9 @@ class CDravelBar final : public CVELTSDockingControlBar {
     void StatusStale();
     void ShowStatus();
     void KeepLayout();
+    void WatchFiles();
+    void RetryFiles();
+    void TellOfSettings();
 
     Dravel::BarContext context_;
     std::function<void()> gone_;
@@ -63,6 +70,7 @@ class CDravelBar final : public CVELTSDockingControlBar {
     std::unique_ptr<Dravel::BookFile> store_;  // none: it could not be opened, nothing can be saved
     std::unique_ptr<CDravelGrid> grid_;
     Dravel::StatusLine status_;
-    bool statusStale_ = false;   // ShowStatus is on its way
-    std::uint64_t askedAt_ = 0;  // the book's revision when its frame's closing was asked about
+    std::optional<Dravel::DockState> placed_;  // where TakePlace has put the bar
+    bool statusStale_ = false;                 // ShowStatus is on its way
+    std::uint64_t askedAt_ = 0;                // the book's revision when its frame's closing was asked about
 };

@@ -8,6 +8,8 @@
 
 using namespace Dravel;
 
+static constexpr UINT_PTR kRetryTimer = 0x52;
+
 // What the status line leaves of the content.
 Rect CDravelBar::GridRoom(const Rect& content) const {
     Rect room = content;
@@ -37,9 +39,20 @@ void CDravelBar::OnSetFocus() {
     if (grid_) SetFocus(static_cast<HWND>(grid_->Window()));
 }
 
+// What is to be told before the bar is complete is told by the first call.
+void CDravelBar::WatchFiles() {
+    SetTimer(static_cast<HWND>(Window()), kRetryTimer, SettingsGuard::kRetryPause, nullptr);
+    Post([this] { RetryFiles(); });
+}
+
 // A click on the last notice shows them all, one on what the last import came to shows its report.
 bool CDravelBar::OnMessage(std::uint32_t message, std::uintptr_t wparam, std::intptr_t lparam,
                            std::intptr_t& result) {
+    if (message == WM_TIMER && wparam == kRetryTimer) {
+        RetryFiles();
+        result = 0;
+        return true;
+    }
     const int part = message == WM_NOTIFY ? status_.ClickedPart(lparam) : -1;
     if (part == statuspart::Notice) {
         ShowNoticeList(Window(), context_.notices);

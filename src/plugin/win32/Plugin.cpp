@@ -54,16 +54,21 @@ Plugin::Plugin()
       host_(reinterpret_cast<std::uintptr_t>(&OnPluginMessage)),
       clients_(SystemFiles(), host_, folder_.FormatSets()),
       reportWindow_(SystemFiles(), user_),
-      entry_({host_, user_, SystemFiles(), SystemClock(), clients_, &ShowImportDialog, reportWindow_}) {}
+      entry_({host_, user_, SystemFiles(), SystemClock(), clients_, &ShowImportDialog, reportWindow_}),
+      waiting_(SystemFiles(), SystemClock(), log_, folder_.Data(), GetCurrentProcessId()),
+      left_(SystemFiles(), SystemClock(), log_, folder_.Data()) {}
 
 Plugin::OpenBook::OpenBook(Plugin& plugin)
     : logThread(plugin.log_),
+      guard(SystemFiles(), SystemClock(), plugin.log_, settings, plugin.folder_.Settings()),
       answers(settings),
       notices(SystemClock()),
       bar({plugin.host_, plugin.user_, plugin.entry_, SystemFiles(), SystemClock(), plugin.folder_, settings,
-           plugin.log_, notices},
-          [&plugin] { plugin.BarGone(); }) {
-    settings.LoadFile(SystemFiles(), plugin.folder_.Settings());
+           plugin.log_, notices, guard},
+          [&plugin] { plugin.BarGone(); }),
+      ledger(bar.Book()) {
+    guard.Open();
+    guard.WhenKnown([&plugin] { plugin.SettingsCame(); });
 }
 
 void Plugin::ShowBar() {
@@ -77,22 +82,33 @@ void Plugin::ShowBar() {
     const ActivationScope activation;
     if (open_) {
         open_->bar.Show(true);
-        pending_.clear();
-        if (created_) {
-            open_->bar.Focus();
-            return;
-        }
+        if (open_->guard.Known()) waiting_.DiscardPending();
     } else {
         CreateBar();
-        if (!open_) return;
     }
+    if (open_ && !created_) FinishOpening();
+    if (open_) open_->bar.Focus();
+}
+
+// What the settings decide. As long as their file cannot be read the book is shown, and nothing of it is
+// reported.
+void Plugin::FinishOpening() {
+    if (!open_->guard.Known()) return;
     // The terminal may end the bar while it hears of the book.
     open_->bar.LoadProperties(kGridKey);
     if (!open_) return;
     // What the terminal sends while it hears of them is no longer kept for later.
     created_ = true;
     HandOverPendingItems();
-    if (open_) open_->bar.Focus();
+    if (!open_ || !open_->bar.OwnsBook()) return;
+    open_->bar.Post([this] { left_.Ask(user_, open_->ledger, waitingBook_); });
+}
+
+void Plugin::SettingsCame() {
+    open_->bar.Post([this] {
+        open_->bar.TakePlace();
+        if (!created_) FinishOpening();
+    });
 }
 
 void Plugin::CreateBar() {
@@ -129,6 +145,8 @@ void Plugin::BarGone() {
     user_.Attach(nullptr, nullptr, nullptr, nullptr);
     created_ = false;
     parting_ = true;
+    waiting_.BookGone();
+    left_.BookGone();
     // The bar may be gone under a box or a request of its own, which return to what it owned.
     struct Parting {
         Plugin& plugin;
@@ -166,10 +184,22 @@ void Plugin::PendingItems() {
 }
 
 void Plugin::HandOverPendingItems() {
-    while (open_ && !pending_.empty()) {
-        TradeRecord item = pending_.front();
-        pending_.pop_front();
-        open_->bar.Book().Add(item);
+    waiting_.HandOver(open_->ledger, waitingBook_);
+}
+
+bool Plugin::WaitingBook::Prepare(TradeRecord& record) {
+    if (plugin.open_ && !record.security)
+        record.security = plugin.open_->bar.Book().Securities().Find(record);
+    return plugin.open_ != nullptr;
+}
+
+void Plugin::WaitingBook::Enter(TradeRecord& record, const WaitingSource& source) {
+    plugin.open_->ledger.Enters(source.file, source.number);
+    TradeBook& book = plugin.open_->bar.Book();
+    if (source.kind == WaitingSource::Kind::Pending) {
+        book.Add(record);
+    } else {
+        book.AddFromHost(record);
     }
 }
 
@@ -189,7 +219,7 @@ void Plugin::TradeFromHost(CTagMessageReader& trade) {
     if (open_ && created_) {
         open_->bar.Book().AddFromHost(record);
     } else {
-        pending_.push_back(record);
+        waiting_.Take(record, open_ ? WaitingSource::Kind::HeldBack : WaitingSource::Kind::Pending);
     }
 }
 
