@@ -204,7 +204,7 @@ TEST_F(AskedInBetweenTest, NoTwoTradesShareAnIdentifier) {
 
 TEST_F(AskedInBetweenTest, AKeyThatCameMeanwhileIsHeld) {
     inner = Of("A-longer-identifier", "1", 7);
-    EXPECT_EQ(book.AddUnlessHeld(outer), 7u);
+    EXPECT_EQ(book.AddUnlessHeld(outer, {}), 7u);
     EXPECT_EQ(book.RowCount(), 1u);
 }
 

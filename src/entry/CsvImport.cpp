@@ -24,6 +24,14 @@ std::string_view LineOf(std::string_view raw, std::uint64_t number) {
     return number == 1 ? WithoutByteOrderMark(raw) : raw;
 }
 
+// In UTF-8; empty when the name has no such form.
+std::string NameOf(const std::filesystem::path& path) try {
+    const std::u8string name = path.filename().u8string();
+    return {name.begin(), name.end()};
+} catch (...) {
+    return {};
+}
+
 }  // namespace
 
 CsvImport::CsvImport(const ImportPorts& ports, const ImportMapping& mapping)
@@ -74,6 +82,7 @@ void CsvImport::TryToBegin(const std::filesystem::path& path) {
     if (!opened || !lines_->Readable()) return Tell("File Not Found", Icon::Warning);
     file_->Size(fileSize_);
     report_ = std::make_unique<ImportReport>(path);
+    source_ = {ChangeKind::Import, NameOf(path), 0};
     if (!MatchFile()) return Tell("Please Select Proper File", Icon::Warning);
     stage_ = Stage::Reading;
     hostClients_.AddClientsOf(ports_.host);
@@ -190,7 +199,8 @@ void CsvImport::SkipDuplicate(std::uint64_t number, std::string_view raw, std::u
 
 // False: the book holds the trade already.
 bool CsvImport::Enter(std::uint64_t number, std::string_view raw) {
-    if (const std::uint32_t holder = ports_.book.AddUnlessHeld(record_); holder != 0) {
+    source_.number = static_cast<std::uint32_t>(number);
+    if (const std::uint32_t holder = ports_.book.AddUnlessHeld(record_, source_); holder != 0) {
         SkipDuplicate(number, raw, holder);
         return false;
     }

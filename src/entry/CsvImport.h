@@ -150,6 +150,7 @@ class CsvImport {
     std::vector<std::string_view> cells_;
     TradeRecord record_{};  // the line's trade
     Doubts doubts_;         // about it
+    ChangeSource source_;   // of it
 
     LineArena heldLines_;
     std::vector<HeldLine> held_;

@@ -231,6 +231,14 @@ void FinishReading(TradeRecord& record, ISecurityMaster* master) {
 
 }  // namespace
 
+std::uint8_t* PutTradeFields(std::uint8_t* at, const TradeRecord& record) {
+    return PutFields(at, record);
+}
+
+bool TakeTradeField(CTagMessageReader& frame, TradeRecord& record) {
+    return TakeField(frame, reinterpret_cast<Byte*>(&record), kStoredTakers);
+}
+
 bool WriteTradeFields(const TradeRecord& record, CTagMessageWriter& frame) {
     Byte* at = frame.ReserveFields(kMaxTradeFields);
     if (!at) return false;

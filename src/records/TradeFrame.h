@@ -34,6 +34,13 @@ static_assert(kMaxTradeFrame < 4096, "a trade fits the first page of a frame");
 // the frame cannot grow so far.
 bool WriteTradeFields(const TradeRecord& record, CTagMessageWriter& frame);
 
+// The same into plain room for kMaxTradeFields bytes, all of which may be written to; returns the byte behind
+// the last field.
+std::uint8_t* PutTradeFields(std::uint8_t* at, const TradeRecord& record);
+// Takes the value at hand, and those behind it as long as they come in the order of the table, the identity
+// included. False: the tag at hand is none of a trade's.
+bool TakeTradeField(CTagMessageReader& frame, TradeRecord& record);
+
 // Builds a whole plain frame at `into`, which must have room for kMaxTradeFrame bytes (all of them may be
 // written to); returns its length. The second form is what the record file holds: code 60004, with the
 // deleted mark.

@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "host/Host.h"
+#include "records/ChangeRecorder.h"
 #include "tradebook/BookPort.h"
 #include "tradebook/DuplicateKeys.h"
 #include "tradebook/SecurityLookup.h"
@@ -20,6 +21,7 @@ namespace Dravel {
 using TradeItem = TradeStore::Slot;
 inline constexpr TradeItem kNoItem = TradeIndex::kNone;
 inline constexpr std::uint32_t kNoBookRow = 0xFFFFFFFF;
+inline constexpr std::uint32_t kLargestIdentifier = 0x7FFFFFFF;
 
 // Told of every change of the rows, after it happened. Row 0 is the top row.
 class IBookObserver {
@@ -63,7 +65,7 @@ class TradeBook final : public ITradeSink {
     // A new trade, on top: takes the next value of the counter as VELTTradeID and VELTOrderID, enters its
     // key, is reported, sets the changed flag. Returns its identifier.
     std::int32_t Add(TradeRecord& record);
-    std::uint32_t AddUnlessHeld(TradeRecord& record) override;
+    std::uint32_t AddUnlessHeld(TradeRecord& record, const ChangeSource& source) override;
     // A trade that the terminal hands over: as Add, but it keeps an identifier of its own that nobody else
     // holds, and is reported a second time too.
     std::int32_t AddFromHost(TradeRecord& record);
@@ -83,6 +85,15 @@ class TradeBook final : public ITradeSink {
     void EndBatch() override {
         if (observer_) observer_->BatchEnds();
     }
+
+    // Changes that were recorded since the book was saved, carried out again behind a load: nothing is
+    // reported or recorded, and the rows are shown at the end. A put takes the place of the trade with its
+    // identifier, or comes in below the trade `above`; what speaks of a trade that is not there does nothing.
+    void RestorePut(TradeRecord record, std::uint32_t above);
+    void RestoreDeleted(std::span<const std::uint32_t> identifiers);
+    void RestoreMoved(std::uint32_t identifier, std::uint32_t above);
+    // `changed`: something other than the order of the rows.
+    void EndRestore(bool changed);
 
     // Reports every trade of the book in ascending order of its identifier.
     void ReportAll(ReportKind kind = {}) const;
@@ -114,10 +125,22 @@ class TradeBook final : public ITradeSink {
     // What finds the terminal's entry of a trade's contract, for whoever reads stored trades.
     ISecurityMaster& Securities() { return securities_; }
     void SetObserver(IBookObserver* observer) { observer_ = observer; }
+    // Told of every change before the terminal is; nullptr: nobody.
+    void SetRecorder(IChangeRecorder* recorder) { recorder_ = recorder; }
+    // Whose changes come from now on, where they are not told with them: the user's.
+    void SetUser(const std::string& name) { source_.name = name; }
 
  private:
     void FindSecurity(TradeRecord& record);
-    void AddTrade(TradeRecord& record, const DuplicateKey& key, bool secondReport);
+    void AddTrade(TradeRecord& record, const DuplicateKey& key, bool secondReport,
+                  const ChangeSource& source);
+    TradeItem Insert(const TradeRecord& record, const DuplicateKey& key);
+    void Replace(TradeItem item, const TradeRecord& record);
+    std::vector<TradeItem> TakeOut(std::span<const std::uint32_t> rows);
+    void Shift(std::uint32_t from, std::uint32_t to);
+    void Place(TradeItem item, std::uint32_t above);
+    TradeItem Revive(TradeItem item, const TradeRecord& record);
+    std::uint32_t Above(TradeItem item) const;
     void NameNamelessTrades();
     std::int32_t NextIdentifier();
     void Enter(TradeItem item, const DuplicateKey& key);
@@ -128,6 +151,8 @@ class TradeBook final : public ITradeSink {
     IHost& host_;
     SecurityLookup securities_;
     IBookObserver* observer_ = nullptr;
+    IChangeRecorder* recorder_ = nullptr;
+    ChangeSource source_;
     TradeStore store_;
     std::vector<TradeItem> rows_;       // the last is the top row, so that a trade comes in at the end
     std::vector<std::uint32_t> ranks_;  // by item; ascending along rows_, so that an item's row can be found

@@ -29,6 +29,10 @@ class FaultFiles::Handle final : public IFile {
     FileStatus Write(const void* bytes, std::size_t count) override {
         if (const FileStatus status = Step(); !status) return status;
         if (mode_ == FileMode::Append) at_ = node_->bytes.size();
+        if (disk_->WriteBlock(*node_, at_, static_cast<const std::uint8_t*>(bytes), count)) {
+            at_ += count;
+            return {};
+        }
         for (std::size_t i = 0; i < count; ++i) {
             const FileStatus status =
                 disk_->WriteByte(*node_, at_, static_cast<const std::uint8_t*>(bytes)[i]);
@@ -119,6 +123,18 @@ FileStatus FaultFiles::WriteByte(Node& node, std::uint64_t at, std::uint8_t byte
     Changed(node);
     if (watch) watch();
     return {};
+}
+
+// All in one go, when no single byte matters to anybody.
+bool FaultFiles::WriteBlock(Node& node, std::size_t at, const std::uint8_t* bytes, std::size_t count) {
+    if (dead_ || watch || plan.crashAtByte != kNever || plan.bytesLeft != kNever) return false;
+    written_ += count;
+    if (node.bytes.size() < at + count) node.bytes.resize(at + count);
+    std::copy_n(bytes, count, node.bytes.begin() + static_cast<std::ptrdiff_t>(at));
+    node.dirty = true;
+    node.modified = clock_.Now();
+    Changed(node);
+    return true;
 }
 
 void FaultFiles::Changed(Node& node) {

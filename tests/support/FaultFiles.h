@@ -98,6 +98,7 @@ class FaultFiles final : public IFiles {
     FileStatus OpenNode(const std::string& path, FileMode mode, FileShare share, bool removes,
                         std::unique_ptr<IFile>& file);
     FileStatus NewName(const std::string& from, const std::string& to);
+    bool WriteBlock(Node& node, std::size_t at, const std::uint8_t* bytes, std::size_t count);
     FileStatus WriteByte(Node& node, std::uint64_t at, std::uint8_t byte);
     void Changed(Node& node);
     void NamesWillChange() { older_.push_back(names_); }

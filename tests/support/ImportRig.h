@@ -26,7 +26,8 @@ class FakeBook final : public ITradeSink {
         const auto holder = keys_.find(PlainKey(record));
         return holder == keys_.end() ? 0 : holder->second;
     }
-    std::uint32_t AddUnlessHeld(TradeRecord& record) override {
+    std::uint32_t AddUnlessHeld(TradeRecord& record, const ChangeSource& from) override {
+        source = from;
         if (const std::uint32_t holder = HolderOf(record); holder != 0) return holder;
         Add(record);
         if (onAdd) onAdd();
@@ -49,6 +50,7 @@ class FakeBook final : public ITradeSink {
         return all;
     }
     std::vector<TradeRecord> trades;
+    ChangeSource source;          // of the last trade
     std::function<void()> onAdd;  // as the terminal may call back when it is told
     int batches = 0;              // that are open
     mutable int calls = 0;
