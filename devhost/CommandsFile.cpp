@@ -115,11 +115,6 @@ void HoldFile(Stage& stage, const Words& words) {
     if (heldFile == INVALID_HANDLE_VALUE) Fail("the file cannot be opened");
 }
 
-void SetReadOnly(Stage&, const Words& words) {
-    const DWORD attribute = words[1] == "on" ? FILE_ATTRIBUTE_READONLY : FILE_ATTRIBUTE_NORMAL;
-    if (!SetFileAttributesW(OfProgram(words[0]).c_str(), attribute)) Fail("its attributes cannot be set");
-}
-
 // Another terminal in the same folder, which carries out a script of its own.
 HANDLE otherTerminal = nullptr;
 
@@ -159,7 +154,6 @@ constexpr CommandEntry kCommands[] = {
     {"save-as", "FILE", 1, 1, SaveAs},
     {"file-dialog", "PATH", 1, 1, FileDialog},
     {"hold-file", "PATH [alone]", 1, 2, HoldFile},
-    {"read-only", "PATH on|off", 2, 2, SetReadOnly},
     {"start-terminal", "SCRIPT", 1, 1, StartTerminal},
     {"wait-terminal", "", 0, 0, WaitTerminal},
     {"release-file", "", 0, 0, ReleaseFile},

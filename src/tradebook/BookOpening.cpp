@@ -44,8 +44,11 @@ void BookOpening::GoOn() {
                                       &BookOpening::RestoreChanges, &BookOpening::ReportBook,
                                       &BookOpening::EnterWaiting,   &BookOpening::GetThrough};
     static_assert(std::size(kSteps) > kReporting);
-    while (step_ < std::size(kSteps) && (this->*kSteps[step_])() && !stopped_)
+    while (step_ < std::size(kSteps)) {
+        const Step step = kSteps[step_];
+        if (!(this->*step)() || stopped_) return;
         ++step_;
+    }
 }
 
 bool BookOpening::Claim() {
