@@ -97,7 +97,7 @@ void FileDialog(Stage& stage, const Words& words) {
     Confirm(stage, stage.scriptFolder / FromUtf8(words[0]));
 }
 
-// As a program that writes the file and may delete it.
+// As a program that writes the file and may delete it, or as one that lets nobody else near it.
 HANDLE heldFile = INVALID_HANDLE_VALUE;
 
 void ReleaseFile(Stage&, const Words&) {
@@ -107,10 +107,42 @@ void ReleaseFile(Stage&, const Words&) {
 
 void HoldFile(Stage& stage, const Words& words) {
     ReleaseFile(stage, words);
-    heldFile = CreateFileW(FromUtf8(words[0]).c_str(), GENERIC_READ | GENERIC_WRITE | DELETE,
-                           FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr, OPEN_EXISTING, 0,
-                           nullptr);
+    const bool alone = words.size() > 1 && words[1] == "alone";
+    if (words.size() > 1 && !alone) Fail("\"alone\" or nothing");
+    const DWORD share = alone ? 0u : FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
+    heldFile = CreateFileW(OfProgram(words[0]).c_str(), GENERIC_READ | GENERIC_WRITE | DELETE, share, nullptr,
+                           OPEN_EXISTING, 0, nullptr);
     if (heldFile == INVALID_HANDLE_VALUE) Fail("the file cannot be opened");
+}
+
+// Another terminal in the same folder, which carries out a script of its own.
+HANDLE otherTerminal = nullptr;
+
+void StartTerminal(Stage& stage, const Words& words) {
+    wchar_t self[MAX_PATH];
+    if (GetModuleFileNameW(nullptr, self, MAX_PATH) == MAX_PATH) Fail("the program's path is too long");
+    const fs::path out = stage.File("other");
+    fs::create_directories(out);
+    std::wstring line = L"\"" + std::wstring(self) + L"\" --script \"" +
+                        (stage.scriptFolder / OfProgram(words[0])).native() + L"\" --out \"" + out.native() +
+                        L"\"";
+    STARTUPINFOW startup{};
+    startup.cb = sizeof startup;
+    PROCESS_INFORMATION made{};
+    if (!CreateProcessW(self, line.data(), nullptr, nullptr, FALSE, 0, nullptr, nullptr, &startup, &made))
+        Fail("it does not start");
+    CloseHandle(made.hThread);
+    otherTerminal = made.hProcess;
+}
+
+void WaitTerminal(Stage& stage, const Words&) {
+    if (!otherTerminal) Fail("there is none");
+    stage.Until([] { return WaitForSingleObject(otherTerminal, 0) == WAIT_OBJECT_0; }, "it still runs");
+    DWORD code = 1;
+    GetExitCodeProcess(otherTerminal, &code);
+    CloseHandle(otherTerminal);
+    otherTerminal = nullptr;
+    if (code != 0) Fail("its script failed, see other\\script.log");
 }
 
 constexpr CommandEntry kCommands[] = {
@@ -121,7 +153,9 @@ constexpr CommandEntry kCommands[] = {
     {"copy-file", "PATH FILE", 2, 2, CopyFileCommand},
     {"save-as", "FILE", 1, 1, SaveAs},
     {"file-dialog", "PATH", 1, 1, FileDialog},
-    {"hold-file", "PATH", 1, 1, HoldFile},
+    {"hold-file", "PATH [alone]", 1, 2, HoldFile},
+    {"start-terminal", "SCRIPT", 1, 1, StartTerminal},
+    {"wait-terminal", "", 0, 0, WaitTerminal},
     {"release-file", "", 0, 0, ReleaseFile},
 };
 

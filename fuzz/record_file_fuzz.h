@@ -96,7 +96,7 @@ inline void FuzzRecordFile(const std::uint8_t* data, std::size_t size) {
     NoLog log;
     disk.book.assign(data, data + size);
     BookFile file(disk, clock, log, {"Data", "Backup", "Book"});
-    Require(file.Acquire(), "a book that nobody holds is ours");
+    Require(static_cast<bool>(file.Acquire()), "a book that nobody holds is ours");
 
     std::vector<TradeRecord> trades;
     BookImage image;

@@ -188,12 +188,12 @@ TEST_F(ThreadsSaveTest, AskingSavesOnYesOnlyAndAlwaysGoesOn) {
     Add(2);
     for (const std::uint32_t answer : {kAnswerCancel, kAnswerNo}) {
         user.answers = {answer};
-        EXPECT_TRUE(entry.AskToSave());
+        EXPECT_EQ(entry.AskToSave(), AskEnd::NotWanted);
         EXPECT_EQ(OnDisk(), 0u);
         EXPECT_TRUE(book.Changed());
     }
     user.answers = {kAnswerYes};
-    EXPECT_TRUE(entry.AskToSave());
+    EXPECT_EQ(entry.AskToSave(), AskEnd::Saved);
     EXPECT_EQ(OnDisk(), 2u);
     EXPECT_EQ(user.boxes.back(), "Dravel|Do you want to save Dravel");
     EXPECT_EQ(user.buttons.back(), Buttons::YesNoCancel);

@@ -3,6 +3,7 @@
 #include <utility>
 
 #include "support/OuterCall.h"
+#include "tradebook/BookGate.h"
 #include "tradebook/TradeBook.h"
 
 namespace Dravel {
@@ -24,23 +25,36 @@ void Entry::BookClosed() {
     parts_.reset();
 }
 
+std::string Entry::Refusal() const {
+    if (!parts_) return "The book is closed.";
+    return parts_->gate ? parts_->gate->Refusal() : std::string();
+}
+
+// Nobody may take what was not even begun for a save.
+bool Entry::CannotSave() {
+    const std::string reason = Refusal();
+    if (saver_ && reason.empty()) return false;
+    TellSaveFailed(context_.user, reason);
+    return true;
+}
+
 void Entry::Save() {
-    if (saver_) saver_->Save();
+    if (!CannotSave()) saver_->Save();
 }
 
 void Entry::FinishSaves() {
     if (saver_) saver_->Wait();
 }
 
-void Entry::SaveNow() {
-    if (saver_) saver_->SaveAndWait();
+bool Entry::SaveNow() {
+    return !CannotSave() && saver_->SaveAndWait();
 }
 
-bool Entry::AskToSave() {
+AskEnd Entry::AskToSave() {
     const std::uint32_t answer =
         context_.user.Box("Do you want to save Dravel", "Dravel", Buttons::YesNoCancel, Icon::Warning);
-    if (answer == kAnswerYes) SaveNow();
-    return true;
+    if (answer != kAnswerYes) return AskEnd::NotWanted;
+    return SaveNow() ? AskEnd::Saved : AskEnd::Failed;
 }
 
 void Entry::Choices(const TradeDraft& draft, int column, std::string_view typed,
@@ -49,7 +63,7 @@ void Entry::Choices(const TradeDraft& draft, int column, std::string_view typed,
 }
 
 EditEnd Entry::EndEdit(TradeDraft& draft, int column, std::string_view text, IDraftView& view) {
-    return typing_ ? typing_->EndEdit(draft, column, text, view) : EditEnd::Refused;
+    return typing_ && Refusal().empty() ? typing_->EndEdit(draft, column, text, view) : EditEnd::Refused;
 }
 
 int Entry::NextColumn(const TradeDraft& draft, int column) const {
@@ -61,7 +75,7 @@ std::string Entry::Missing(const TradeDraft& draft) const {
 }
 
 void Entry::Delete(IDraftView& view) {
-    if (typing_) typing_->Delete(view);
+    if (typing_ && Refusal().empty()) typing_->Delete(view);
 }
 
 // The dialog closes when what runs inside it has returned.
@@ -71,7 +85,7 @@ void Entry::EndImport() {
 
 // Importing twice at a time would let the inner run see half of the outer one.
 void Entry::Import(void* owner, const std::filesystem::path& file) {
-    if (!parts_ || !parts_->bar || importing_) return;
+    if (!parts_ || !parts_->bar || importing_ || !Refusal().empty()) return;
     struct Open {
         Entry& entry;
         explicit Open(Entry& owner) : entry(owner) { entry.importing_ = true; }

@@ -31,7 +31,8 @@ struct EntryContext {
     IImportReportView& reportView;
 };
 
-// User-interface thread. Between BookClosed and the next BookOpened every request does nothing.
+// User-interface thread. Between BookClosed and the next BookOpened every request does nothing, but a save,
+// which fails. The same while the gate of the book lets no change pass.
 class Entry final : public IEntry {
  public:
     explicit Entry(const EntryContext& context) : context_(context) {}
@@ -39,8 +40,8 @@ class Entry final : public IEntry {
     void BookOpened(const BookParts& parts) override;
     void BookClosed() override;
     void Save() override;
-    bool AskToSave() override;
-    void SaveNow() override;
+    AskEnd AskToSave() override;
+    bool SaveNow() override;
     void EndImport() override;
     void FinishSaves() override;
     void Import(void* owner, const std::filesystem::path& file) override;
@@ -55,6 +56,9 @@ class Entry final : public IEntry {
     bool Busy() const override { return importing_ || context_.reportView.Asking(); }
 
  private:
+    // Why the user may not change the book now; empty: he may.
+    std::string Refusal() const;
+    bool CannotSave();
     void TakeReport(std::unique_ptr<ImportReport> report);
 
     EntryContext context_;

@@ -8,6 +8,10 @@
 
 namespace Dravel {
 
+void TellSaveFailed(IUser& user, std::string_view reason) {
+    user.Box("Dravel Save Failed\n" + std::string(reason), "Dravel", Buttons::Ok, Icon::Warning);
+}
+
 struct TradeSaver::Run {
     KRV::Thread::CKRVEvent done;  // set once `result` is there
     SaveResult result;
@@ -26,9 +30,10 @@ void TradeSaver::Save() {
     }
 }
 
-void TradeSaver::SaveAndWait() {
+bool TradeSaver::SaveAndWait() {
     Save();
     Wait();
+    return !failed_;
 }
 
 void TradeSaver::Wait() {
@@ -65,6 +70,7 @@ void TradeSaver::Finish(Run& run) {
     if (running_.get() != &run) return;
     const SaveResult result = run.result;
     running_.reset();
+    failed_ = !result.ok;
     if (std::exchange(again_, false)) Begin();
     if (result.ok) {
         user_.Notice("Dravel Save Successfully");
@@ -76,9 +82,12 @@ void TradeSaver::Finish(Run& run) {
 // The flag first: while the box is open, closing must already ask. A save that follows this one writes the
 // whole book and sees to the flag itself.
 void TradeSaver::Fail(std::string_view reason) {
-    if (!running_) parts_.book.SetChanged(true);
+    if (!running_) {
+        parts_.book.SetChanged(true);
+        failed_ = true;
+    }
     parts_.log.Line(LogLevel::Error, "Save", reason);
-    user_.Box("Dravel Save Failed\n" + std::string(reason), "Dravel", Buttons::Ok, Icon::Warning);
+    TellSaveFailed(user_, reason);
 }
 
 }  // namespace Dravel

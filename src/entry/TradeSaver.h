@@ -11,6 +11,9 @@
 
 namespace Dravel {
 
+// The box that every save ends in that failed, or could not begin.
+void TellSaveFailed(IUser& user, std::string_view reason);
+
 // User-interface thread. One save runs at a time; one that is asked for while another runs follows it, with
 // the book as it is then: however often the user asks, at most one image of the book waits.
 class TradeSaver {
@@ -25,8 +28,8 @@ class TradeSaver {
     // Clears the changed flag and begins. The result comes as the notice "Dravel Save Successfully", or as a
     // box that says why not, with the changed flag set again.
     void Save();
-    // The same, and returns when the result is known.
-    void SaveAndWait();
+    // The same, and returns when the result is known. False: it failed.
+    bool SaveAndWait();
     // Returns when no save runs or waits any more, and their results are known.
     void Wait();
 
@@ -43,6 +46,7 @@ class TradeSaver {
     std::shared_ptr<Run> running_;
     std::shared_ptr<ImageMemory> imageMemory_ = std::make_shared<ImageMemory>();
     bool again_ = false;
+    bool failed_ = false;  // the save that ended last
 };
 
 }  // namespace Dravel

@@ -17,6 +17,7 @@ enum class FileFault : std::uint8_t {
     PathNotFound,  // a folder on the way does not exist (system error 3 on Windows)
     Exists,        // the target of a rename or link is there already
     InUse,         // another handle or program holds the file
+    Denied,        // the system refuses it to this user, or the file or its disk is read-only
     Full,          // the disk is full, or the write came back short
     Other,
 };

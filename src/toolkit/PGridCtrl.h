@@ -131,6 +131,10 @@ class CKRVPGridCtrl {
     bool RowLines() const { return rowLines_; }
     void ShowColumnLines(bool show);
 
+    // A text in the place of the rows, which there should be none of; empty: the rows. It is the window's
+    // text, too, so that whoever reads out windows hears it.
+    void ShowInsteadOfRows(std::string_view text);
+
     // Current cell, selection, scrolling. Another cell ends an open edit, as EditCell does.
     void SetCurrent(std::uint32_t row, int column);
     void SelectRows(Dravel::GridRange range);

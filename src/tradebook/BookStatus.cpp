@@ -14,15 +14,17 @@ std::string Counted(std::uint64_t count) {
 
 std::array<std::string, statuspart::Count> StatusTexts(const BookStatus& status) {
     std::array<std::string, statuspart::Count> texts;
+    texts[statuspart::Import] = status.import;
+    texts[statuspart::Notice] = status.notice;
+    texts[statuspart::Changed] = status.changed ? "Not saved" : "Saved";
+    if (!status.state.empty()) texts[statuspart::Changed] = status.state;
+    if (!status.known) return texts;
     texts[statuspart::Trades] = status.shown == status.all
                                     ? Counted(status.all)
                                     : GroupedText(status.shown) + " of " + Counted(status.all);
     texts[statuspart::Selected] = GroupedText(status.selected) + " selected";
     texts[statuspart::Bought] = "Bought " + GroupedText(status.bought);
     texts[statuspart::Sold] = "Sold " + GroupedText(status.sold);
-    texts[statuspart::Changed] = status.changed ? "Not saved" : "Saved";
-    texts[statuspart::Import] = status.import;
-    texts[statuspart::Notice] = status.notice;
     return texts;
 }
 

@@ -5,6 +5,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <string>
+#include <string_view>
 
 namespace Dravel {
 
@@ -12,6 +13,8 @@ struct BookStatus {
     std::uint64_t shown = 0, all = 0, selected = 0;  // trades
     std::uint64_t bought = 0, sold = 0;              // quantities of all trades
     bool changed = false;                            // since the last save
+    std::string_view state = {};                     // in the place of what `changed` says; empty: that
+    bool known = true;                               // the counts are those of the book
     std::string import;                              // what the last one came to
     std::string notice;                              // the last one
     bool operator==(const BookStatus&) const = default;

@@ -13,42 +13,45 @@ namespace {
 constexpr std::uint32_t kStatusLine = 1;  // its identifier among the bar's children
 constexpr char kPlaceKey[] = "Bar";       // of the bar's place in the settings
 
+KRV::Base::RecordFilePlace PlaceOfBook(const DataFolder& folder) {
+    return {.folder = folder.Data(), .backups = folder.Data() / "Backup", .name = "DravelBook_Dravel"};
+}
+
 }  // namespace
 
-CDravelBar::CDravelBar(const BarContext& context, std::function<void()> gone)
-    : CVELTSDockingControlBar(context.host), context_(context), gone_(std::move(gone)), book_(context.host) {}
+CDravelBar::CDravelBar(const BarContext& context, Callbacks callbacks)
+    : CVELTSDockingControlBar(context.host),
+      context_(context),
+      callbacks_(std::move(callbacks)),
+      book_(context.host),
+      store_(context.files, context.clock, context.log, PlaceOfBook(context.folder), &book_.Securities()),
+      opening_({store_, book_, context.files, context.user, context.log, *this}) {}
 
 CDravelBar::~CDravelBar() {
     Destroy();
 }
 
+// Nothing of this asks the disk for the book: the bar is there whatever becomes of it.
 bool CDravelBar::OnCreate() {
-    OpenStore();
-    grid_ = std::make_unique<CDravelGrid>(context_, book_);
+    grid_ = std::make_unique<CDravelGrid>(context_, book_, opening_);
     if (!grid_->Create(Window(), Content(), 0)) return false;
-    LoadBook();
     MakeStatusLine();
     context_.entry.BookOpened(
-        {book_, store_.get(), *this, context_.log, &context_, [this] { StatusStale(); }});
+        {book_, &store_, *this, context_.log, &context_, [this] { StatusStale(); }, &opening_});
+    KeepTrying(true);
     return true;
 }
 
-void CDravelBar::OpenStore() {
-    const std::filesystem::path folder = context_.folder.Data();
-    store_ = std::make_unique<BookFile>(
-        context_.files, context_.clock, context_.log,
-        KRV::Base::RecordFilePlace{
-            .folder = folder, .backups = folder / "Backup", .name = "DravelBook_Dravel"},
-        &book_.Securities());
-    if (!store_->Acquire()) store_.reset();
+bool CDravelBar::ReportBook() {
+    LoadProperties(kGridKey);
+    return true;
 }
 
-void CDravelBar::LoadBook() {
-    if (!store_) return;
-    book_.BeginLoad();
-    store_->LoadBook([this](const TradeRecord& record, bool deleted) { book_.Load(record, deleted); });
-    book_.EndLoad();
-    if (book_.Replaced() > 0) store_->TradesReplaced(book_.Replaced());
+void CDravelBar::OpeningChanged() {
+    if (opening_.Through()) KeepTrying(false);
+    grid_->ShowInsteadOfRows(opening_.InsteadOfRows());
+    grid_->GateChanged();
+    StatusStale();
 }
 
 void CDravelBar::MakeStatusLine() {
@@ -78,6 +81,8 @@ void CDravelBar::ShowStatus() {
                                     .bought = book_.Totals().bought,
                                     .sold = book_.Totals().sold,
                                     .changed = book_.Changed(),
+                                    .state = opening_.Status(),
+                                    .known = opening_.RowsKnown(),
                                     .import = context_.entry.ImportSummary(),
                                     .notice = said});
     status_.SetTexts(texts);
@@ -110,8 +115,10 @@ bool CDravelBar::Occupied() const {
     return ModalLoop::Runs() || context_.entry.Busy();
 }
 
-// Known only when no save is on its way any more: a failed one sets the flag again.
+// Known only when no save is on its way any more: a failed one sets the flag again. A book that is not there
+// yet has nothing to be saved.
 bool CDravelBar::HasUnsaved() {
+    if (!opening_.Through()) return false;
     context_.entry.FinishSaves();
     return book_.Changed();
 }
@@ -128,13 +135,17 @@ void CDravelBar::HideAndTell() {
     TellHost(kHidden);
 }
 
+// A save that was wanted and failed keeps the terminal open, once: who closes it again without a save in
+// between wants it closed.
 bool CDravelBar::OnFrameClose() {
     if (Occupied() || !grid_->LeaveCheck()) return false;
-    if (HasUnsaved()) {
-        askedAt_ = book_.Revision();
-        context_.entry.AskToSave();
-    }
-    return true;
+    if (!HasUnsaved()) return true;
+    askedAt_ = book_.Revision();
+    const FileSum saved = store_.Sum();
+    if (context_.entry.AskToSave() != AskEnd::Failed || stayedAt_ == saved || !Window()) return true;
+    stayedAt_ = saved;
+    askedAt_ = kNotAsked;
+    return false;
 }
 
 void CDravelBar::OnEndSession(bool ending) {
@@ -146,6 +157,7 @@ void CDravelBar::OnEndSession(bool ending) {
 
 // The frame's closing has asked already, unless the frame went without it or the book changed since.
 void CDravelBar::OnDestroy() {
+    opening_.Stop();
     context_.entry.EndImport();
     if (HasUnsaved() && askedAt_ != book_.Revision()) context_.entry.AskToSave();
     KeepLayout();
@@ -157,6 +169,6 @@ void CDravelBar::OnDestroy() {
 
 // The last call on this object: `gone` deletes it.
 void CDravelBar::OnNcDestroy() {
-    const std::function<void()> gone = std::move(gone_);
+    const std::function<void()> gone = std::move(callbacks_.gone);
     if (gone) gone();
 }

@@ -2,11 +2,13 @@
 #pragma once
 
 #include <memory>
+#include <optional>
 #include <string_view>
 
 #include "records/BookFile.h"
 #include "toolkit/StatusLine.h"
 #include "tradebook/BarContext.h"
+#include "tradebook/BookOpening.h"
 #include "tradebook/DravelGrid.h"
 #include "tradebook/TradeBook.h"
 #include "tradebook/base/NoticeList.h"
@@ -14,14 +16,25 @@
 
 // User-interface thread. Lives from the first call of DravelBar until its window is destroyed with the host's
 // frame.
-class CDravelBar final : public CVELTSDockingControlBar {
+class CDravelBar final : public CVELTSDockingControlBar, private Dravel::IOpeningSteps {
  public:
-    // `gone` is called once the window is no more; it may delete the bar.
-    CDravelBar(const Dravel::BarContext& context, std::function<void()> gone);
+    struct Callbacks {
+        // The book is there but for the trades that waited: they are to enter it now.
+        std::function<void()> enterWaiting;
+        // The window is no more; it may delete the bar.
+        std::function<void()> gone;
+    };
+    CDravelBar(const Dravel::BarContext& context, Callbacks callbacks);
     ~CDravelBar() override;
 
     CDravelGrid* Grid() { return grid_.get(); }
     Dravel::TradeBook& Book() { return book_; }
+
+    // Opens the book, as far as it can be had now; from its creation on the bar goes on trying by itself. The
+    // terminal may end the bar while it hears of the book.
+    void OpenBook() { opening_.Try(); }
+    // The book is there: it takes trades, answers and asks.
+    bool BookThere() const { return opening_.Through(); }
 
     // Docks or floats where it was when it last went.
     void TakePlace();
@@ -46,8 +59,14 @@ class CDravelBar final : public CVELTSDockingControlBar {
     void OnDestroy() override;
     void OnNcDestroy() override;
 
-    void OpenStore();
-    void LoadBook();
+    // The steps of the opening.
+    void RestoreChanges() override {}
+    void ShowLook() override { grid_->LoadLook(Dravel::kGridKey); }
+    bool ReportBook() override;
+    void EnterWaiting() override { callbacks_.enterWaiting(); }
+    void OpeningChanged() override;
+
+    void KeepTrying(bool on);
     void HideAndTell();
     bool Occupied() const;
     bool HasUnsaved();
@@ -58,11 +77,16 @@ class CDravelBar final : public CVELTSDockingControlBar {
     void KeepLayout();
 
     Dravel::BarContext context_;
-    std::function<void()> gone_;
+    Callbacks callbacks_;
     Dravel::TradeBook book_;
-    std::unique_ptr<Dravel::BookFile> store_;  // none: it could not be opened, nothing can be saved
+    Dravel::BookFile store_;
+    Dravel::BookOpening opening_;
     std::unique_ptr<CDravelGrid> grid_;
     Dravel::StatusLine status_;
-    bool statusStale_ = false;   // ShowStatus is on its way
-    std::uint64_t askedAt_ = 0;  // the book's revision when its frame's closing was asked about
+    bool statusStale_ = false;  // ShowStatus is on its way
+    // The book's revision when its frame's closing was asked about.
+    static constexpr std::uint64_t kNotAsked = 0;
+    std::uint64_t askedAt_ = kNotAsked;
+    // What was saved when the frame stayed open because a save at its closing failed.
+    std::optional<Dravel::FileSum> stayedAt_;
 };

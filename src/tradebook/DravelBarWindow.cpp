@@ -8,6 +8,17 @@
 
 using namespace Dravel;
 
+static constexpr UINT_PTR kTryTimer = 1;
+
+// For as long as the bar lives, shown or hidden: the timer goes with its window.
+void CDravelBar::KeepTrying(bool on) {
+    if (on) {
+        SetTimer(static_cast<HWND>(Window()), kTryTimer, BookOpening::kTryEvery, nullptr);
+    } else {
+        KillTimer(static_cast<HWND>(Window()), kTryTimer);
+    }
+}
+
 // What the status line leaves of the content.
 Rect CDravelBar::GridRoom(const Rect& content) const {
     Rect room = content;
@@ -40,6 +51,10 @@ void CDravelBar::OnSetFocus() {
 // A click on the last notice shows them all, one on what the last import came to shows its report.
 bool CDravelBar::OnMessage(std::uint32_t message, std::uintptr_t wparam, std::intptr_t lparam,
                            std::intptr_t& result) {
+    if (message == WM_TIMER && wparam == kTryTimer) {
+        opening_.Try();
+        return true;
+    }
     const int part = message == WM_NOTIFY ? status_.ClickedPart(lparam) : -1;
     if (part == statuspart::Notice) {
         ShowNoticeList(Window(), context_.notices);

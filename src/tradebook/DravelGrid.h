@@ -6,6 +6,8 @@
 
 #include "toolkit/PropertyListCtrl.h"
 #include "tradebook/BarContext.h"
+#include "tradebook/BookGate.h"
+#include "tradebook/GridCommands.h"
 #include "tradebook/GridProperties.h"
 #include "tradebook/PriceDivisors.h"
 #include "tradebook/TradeBook.h"
@@ -13,14 +15,6 @@
 #include "tradebook/base/VELTSGridCtrl.h"
 
 namespace Dravel {
-
-// Commands of the grid's window (WM_COMMAND); context menu and keys send the same ones.
-namespace command {
-inline constexpr std::uint16_t AddTrade = 40001, DeleteTrades = 40002, Save = 40003, Import = 40004,
-                               ExportCsv = 40005, CopyHtml = 40006, FilterBar = 40007, FieldChooser = 40008,
-                               Properties = 40009, ClearSelection = 40010, SaveLayout = 40011,
-                               MultipleSort = 40012, Copy = 40013, ImportReport = 40014;
-}  // namespace command
 
 // The settings key of the grid's properties and font.
 inline constexpr char kGridKey[] = "TradeGrid";
@@ -36,12 +30,15 @@ class CDravelGrid final : public CVELTSGridCtrl,
                           private Dravel::IRowDisplay,
                           private Dravel::IDraftView {
  public:
-    CDravelGrid(const Dravel::BarContext& context, Dravel::TradeBook& book);
+    // `gate` outlives the grid too.
+    CDravelGrid(const Dravel::BarContext& context, Dravel::TradeBook& book, const Dravel::IBookGate& gate);
     ~CDravelGrid() override;
 
     // Takes the properties out of the settings and applies them. When trades are reported at all ("Trade For
     // Greek Analysis Only" off or missing), the whole book is reported.
     void LoadProperties(std::string_view key);
+    // The look alone: nothing is reported, and nothing is changed about what will be.
+    void LoadLook(std::string_view key);
     // Puts them, with the grid's font, into the settings; the file is the caller's.
     void SaveProperties(std::string_view key);
     // Writes the layout of the columns; a failure is logged.
@@ -60,6 +57,9 @@ class CDravelGrid final : public CVELTSGridCtrl,
     bool LeaveCheck();
     // What the user is to be told of the row that is being typed; empty: nothing.
     std::string EntryHint() const;
+
+    // What the gate says is another thing now.
+    void GateChanged();
 
     // Trades that the filter lets pass, and all.
     std::uint32_t ShownTrades() const { return rows_.ShownTrades(); }
@@ -118,6 +118,8 @@ class CDravelGrid final : public CVELTSGridCtrl,
     void RemoveDraft(const Dravel::TradeDraft& draft);
     void EndOpenEdit();
     void SetRefusal(std::string refusal);
+    // True: the book is not to be had for that now, and the status line says why.
+    bool Refused(Dravel::BookNeed need);
 
     void ShowColumn(int column) override;
     void DraftChanged(const Dravel::TradeDraft& draft) override;
@@ -140,7 +142,7 @@ class CDravelGrid final : public CVELTSGridCtrl,
     void RowsRemoved(std::span<const std::uint32_t> rows, std::span<const Dravel::TradeItem> items) override;
     void RowMoved(std::uint32_t from, std::uint32_t to) override { rows_.RowMoved(from, to); }
     void ChangedFlagSet(bool) override { StatusStale(); }
-    void OnSelectionChanged() override { StatusStale(); }
+    void OnSelectionChanged() override;
     void StatusStale() const {
         if (statusListener_ && batches_ == 0) statusListener_();
     }
@@ -184,6 +186,7 @@ class CDravelGrid final : public CVELTSGridCtrl,
     Dravel::IHost& host_;
     Dravel::IUser& user_;
     Dravel::TradeBook& book_;
+    const Dravel::IBookGate& gate_;
     Dravel::IEntry& entry_;
     CVELTPXMLSettings& settings_;
     Dravel::GridProperties properties_;
@@ -194,7 +197,8 @@ class CDravelGrid final : public CVELTSGridCtrl,
     Dravel::TradeItem selectedAtFirst_ = Dravel::kNoItem;  // when the first row was added
     std::function<void()> statusListener_;
     Dravel::PriceDivisors divisors_;
-    std::string refusal_;     // of the text that was typed last
-    bool committed_ = false;  // the last edit brought its row into the book
-    bool spoken_ = false;     // validation spoke at the end of the last edit
+    std::string refusal_;       // of the text that was typed last, or of what the gate let not pass
+    bool gateRefused_ = false;  // it is the gate's
+    bool committed_ = false;    // the last edit brought its row into the book
+    bool spoken_ = false;       // validation spoke at the end of the last edit
 };

@@ -74,7 +74,7 @@ bool CDravelGrid::LeaveCheck() {
 
 bool CDravelGrid::OnBeginEdit(std::uint32_t row, int column, std::string&, GridEditKind& kind) {
     if (!HasCells(row)) return false;
-    if (!kTradeColumns[static_cast<std::size_t>(column)].editable) return false;
+    if (!kTradeColumns[static_cast<std::size_t>(column)].editable || Refused(BookNeed::Change)) return false;
     kind = HasChoices(column) ? GridEditKind::Choice : GridEditKind::Text;
     SetRefusal({});
     return true;
@@ -106,6 +106,7 @@ bool CDravelGrid::OnEndEdit(std::uint32_t row, int column, const std::string& te
 
 void CDravelGrid::SetRefusal(std::string refusal) {
     refusal_ = std::move(refusal);
+    gateRefused_ = false;
     StatusStale();
 }
 

@@ -135,7 +135,7 @@ bool CDravelGrid::MoveKey(std::uint32_t key, GridModifierKeys modifiers) {
 bool CDravelGrid::MoveCurrentRow(bool up) {
     const std::uint32_t row = CurrentRow();
     const std::uint32_t top = drafts_.NewCount();
-    if (row < top || row >= RowCount()) return true;
+    if (row < top || row >= RowCount() || Refused(BookNeed::Change)) return true;
     if (IsSorted() || Model().Groups().Grouped()) {
         user_.Box(up ? "Please Remove Sorting Mode" : " Please Remove Sorting Mode ", "Market Watch",
                   Buttons::Ok, Icon::Warning);

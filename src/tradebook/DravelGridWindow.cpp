@@ -67,7 +67,8 @@ void CDravelGrid::OnContextMenu(int x, int y, const GridHit&) {
     if (!menu) return;
     const std::wstring filter = std::wstring(FilterMenuText()) + L"\tCtrl+F";
     for (const MenuEntry& entry : kMenu) {
-        const bool idle = (entry.needsSelection && Selection().Empty()) ||
+        const bool idle = !Meets(gate_, NeedOf(entry.command)) ||
+                          (entry.needsSelection && Selection().Empty()) ||
                           (entry.command == command::ExportCsv && book_.RowCount() == 0) ||
                           (entry.command == command::ImportReport && entry_.ImportSummary().empty());
         const bool checked = entry.command == command::MultipleSort && MultipleSort();

@@ -16,6 +16,7 @@
 namespace Dravel {
 
 class BookFile;
+class IBookGate;
 struct BarContext;
 
 // How the end of a cell's edit went.
@@ -26,14 +27,18 @@ enum class EditEnd : std::uint8_t {
     Spoken,     // the text stands there, and the user was told what is wrong with the row
 };
 
+// What came of the question whether to save.
+enum class AskEnd : std::uint8_t { NotWanted, Saved, Failed };
+
 // The parts of an open book. All outlive the time between BookOpened and BookClosed.
 struct BookParts {
     TradeBook& book;
-    BookFile* store;  // nullptr: another program owns the book's file, nothing can be saved
+    BookFile* store;  // nullptr: nothing can be saved
     IUiThread& ui;
     ILog& log;
     const BarContext* bar;                   // nullptr: no bar shows the book
     std::function<void()> importEnded = {};  // another ImportSummary is to be shown
+    const IBookGate* gate = nullptr;         // nullptr: the book is there, and may be changed
 };
 
 // User-interface thread throughout.
@@ -43,13 +48,16 @@ class IEntry {
     virtual void BookOpened(const BookParts& parts) = 0;
     // Carries out what is still to be written and ends the writer thread.
     virtual void BookClosed() = 0;
-    // Begins to save; the result comes later, as a notice or a box.
+    // Begins to save; the result comes later, as a notice or a box. A save that cannot even begin is told in
+    // a box at once.
     virtual void Save() = 0;
-    // Asks whether to save, and saves, waiting for the result, when the answer is yes. True whatever the
-    // answer: the caller goes on closing, so Cancel acts like No. Deliberate.
-    virtual bool AskToSave() = 0;
-    // Saves without asking and waits for the result: the session ends.
-    virtual void SaveNow() = 0;
+    // Asks whether to save, and saves, waiting for the result, when the answer is yes. Whatever comes of it
+    // the caller goes on hiding or closing, so Cancel acts like No: deliberate. Only the closing of the
+    // terminal's frame looks at a save that failed.
+    virtual AskEnd AskToSave() = 0;
+    // Saves without asking and waits for the result: the session ends. False: it failed, and the user was
+    // told.
+    virtual bool SaveNow() = 0;
     // Ends an import that runs, as far as it has come: what comes in later would miss the save at the end.
     virtual void EndImport() = 0;
     // Waits for what was saved before; a failure is told, and sets the changed flag again. To be called

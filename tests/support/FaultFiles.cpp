@@ -154,6 +154,7 @@ FileStatus FaultFiles::OpenNode(const std::string& path, FileMode mode, FileShar
                                 std::unique_ptr<IFile>& file) {
     if (const FileStatus status = Step(); !status) return status;
     const bool makes = mode == FileMode::Create || mode == FileMode::Append;
+    if (mode != FileMode::Read && Denied(path)) return Failed(FileFault::Denied);
     auto found = names_.find(path);
     if (found == names_.end()) {
         const FileStatus missing = MissingStatus(path);
@@ -189,8 +190,13 @@ FileStatus FaultFiles::OpenLock(const fs::path& path, std::unique_ptr<IFile>& fi
     return OpenNode(path.generic_string(), FileMode::Append, FileShare::DenyAll, true, file);
 }
 
+bool FaultFiles::Denied(const std::string& path) const {
+    return readOnly.contains(path) || readOnly.contains(fs::path(path).parent_path().generic_string());
+}
+
 FileStatus FaultFiles::NewName(const std::string& from, const std::string& to) {
     if (const FileStatus status = Step(); !status) return status;
+    if (Denied(from) || Denied(to)) return Failed(FileFault::Denied);
     const auto found = names_.find(from);
     if (found == names_.end()) return MissingStatus(from);
     const FileStatus missing = MissingStatus(to);
@@ -233,6 +239,7 @@ FileStatus FaultFiles::Link(const fs::path& from, const fs::path& to) {
 
 FileStatus FaultFiles::Remove(const fs::path& path) {
     if (const FileStatus status = Step(); !status) return status;
+    if (Denied(path.generic_string())) return Failed(FileFault::Denied);
     const auto found = names_.find(path.generic_string());
     if (found == names_.end()) return MissingStatus(path.generic_string());
     if (Held(*found->second)) return Failed(FileFault::InUse);

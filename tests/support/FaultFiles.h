@@ -46,6 +46,9 @@ class FaultFiles final : public IFiles {
     std::uint64_t Operations() const { return operations_; }
     void CountAnew() { operations_ = 0; }
 
+    // Files and folders (with what lies in them) in which nothing can be written.
+    std::set<std::string> readOnly;
+
     // Called in front of every operation and behind every single byte written, with the disk as it then is.
     std::function<void()> watch;
 
@@ -97,6 +100,7 @@ class FaultFiles final : public IFiles {
     bool Held(const Node& node) const;
     FileStatus OpenNode(const std::string& path, FileMode mode, FileShare share, bool removes,
                         std::unique_ptr<IFile>& file);
+    bool Denied(const std::string& path) const;
     FileStatus NewName(const std::string& from, const std::string& to);
     bool WriteBlock(Node& node, std::size_t at, const std::uint8_t* bytes, std::size_t count);
     FileStatus WriteByte(Node& node, std::uint64_t at, std::uint8_t byte);

@@ -32,6 +32,10 @@ FileFault FaultOf(int error) {
         case EBUSY:
         case ETXTBSY:
             return FileFault::InUse;
+        case EACCES:
+        case EPERM:
+        case EROFS:
+            return FileFault::Denied;
         case ENOSPC:
         case EDQUOT:
         case EFBIG:

@@ -29,6 +29,9 @@ FileFault FaultOf(DWORD error) {
         case ERROR_LOCK_VIOLATION:
         case ERROR_USER_MAPPED_FILE:
             return FileFault::InUse;
+        case ERROR_ACCESS_DENIED:
+        case ERROR_WRITE_PROTECT:
+            return FileFault::Denied;
         case ERROR_DISK_FULL:
         case ERROR_HANDLE_DISK_FULL:
             return FileFault::Full;
@@ -161,10 +164,18 @@ class Win32Files final : public IFiles {
     }
 
     FileStatus OpenLock(const fs::path& path, std::unique_ptr<IFile>& file) override {
-        FileStatus status = OpenHandle(path, GENERIC_READ | GENERIC_WRITE | DELETE, 0, OPEN_ALWAYS,
-                                       FILE_ATTRIBUTE_NORMAL | FILE_FLAG_DELETE_ON_CLOSE, file);
-        // Denied, too, while the file of an owner that just left is being deleted.
-        if (status.code == ERROR_ACCESS_DENIED) status.fault = FileFault::InUse;
+        const auto open = [&] {
+            return OpenHandle(path, GENERIC_READ | GENERIC_WRITE | DELETE, 0, OPEN_ALWAYS,
+                              FILE_ATTRIBUTE_NORMAL | FILE_FLAG_DELETE_ON_CLOSE, file);
+        };
+        FileStatus status = open();
+        if (status.fault != FileFault::Denied) return status;
+        // Access is denied, too, while the file of an owner that just left is being deleted; then it can't
+        // even be asked about. When it is gone meanwhile, the next try tells whether the folder refuses.
+        FileInfo info;
+        const FileStatus left = Info(path, info);
+        if (left.fault == FileFault::NotFound) return open();
+        if (!left) status.fault = FileFault::InUse;
         return status;
     }
 

@@ -62,7 +62,7 @@ Plugin::OpenBook::OpenBook(Plugin& plugin)
       notices(SystemClock()),
       bar({plugin.host_, plugin.user_, plugin.entry_, SystemFiles(), SystemClock(), plugin.folder_, settings,
            plugin.log_, notices},
-          [&plugin] { plugin.BarGone(); }) {
+          {[&plugin] { plugin.EnterWaiting(); }, [&plugin] { plugin.BarGone(); }}) {
     settings.LoadFile(SystemFiles(), plugin.folder_.Settings());
 }
 
@@ -77,21 +77,12 @@ void Plugin::ShowBar() {
     const ActivationScope activation;
     if (open_) {
         open_->bar.Show(true);
-        pending_.clear();
-        if (created_) {
-            open_->bar.Focus();
-            return;
-        }
+        if (BookThere()) waiting_.DropPending();
     } else {
         CreateBar();
-        if (!open_) return;
+        // The terminal may end the bar while it hears of the book.
+        if (open_) open_->bar.OpenBook();
     }
-    // The terminal may end the bar while it hears of the book.
-    open_->bar.LoadProperties(kGridKey);
-    if (!open_) return;
-    // What the terminal sends while it hears of them is no longer kept for later.
-    created_ = true;
-    HandOverPendingItems();
     if (open_) open_->bar.Focus();
 }
 
@@ -127,7 +118,6 @@ void Plugin::BarGone() {
     if (!open_) return;
     ClosePopups();
     user_.Attach(nullptr, nullptr, nullptr, nullptr);
-    created_ = false;
     parting_ = true;
     // The bar may be gone under a box or a request of its own, which return to what it owned.
     struct Parting {
@@ -162,19 +152,16 @@ void Plugin::ReleaseLibrary() {
 }
 
 void Plugin::PendingItems() {
-    if (open_ && created_) HandOverPendingItems();
+    if (BookThere()) EnterWaiting();
 }
 
-void Plugin::HandOverPendingItems() {
-    while (open_ && !pending_.empty()) {
-        TradeRecord item = pending_.front();
-        pending_.pop_front();
-        open_->bar.Book().Add(item);
+void Plugin::EnterWaiting() {
+    while (open_ && waiting_.EnterNext(open_->bar.Book())) {
     }
 }
 
 void Plugin::AskToSave() {
-    if (open_ && created_) open_->bar.AskToSaveWhenShown();
+    if (BookThere()) open_->bar.AskToSaveWhenShown();
 }
 
 void Plugin::EntryQuery() {
@@ -186,10 +173,12 @@ void Plugin::EntryQuery() {
 void Plugin::TradeFromHost(CTagMessageReader& trade) {
     TradeRecord record{};
     ReadTradeFrame(trade, record);
-    if (open_ && created_) {
+    if (BookThere()) {
         open_->bar.Book().AddFromHost(record);
+    } else if (open_) {
+        waiting_.KeepForBook(record);
     } else {
-        pending_.push_back(record);
+        waiting_.KeepPending(record);
     }
 }
 
@@ -197,7 +186,7 @@ void Plugin::SelectedContract(CTagMessageReader& query) {
     const std::uint64_t address = ReplyAddress(query);
     if (address == 0) return;
     CTagMessageWriter answer(msg::SelectedContractAnswer);
-    const CDravelGrid* const grid = open_ && created_ ? open_->bar.Grid() : nullptr;
+    const CDravelGrid* const grid = BookThere() ? open_->bar.Grid() : nullptr;
     const std::uint32_t row = grid ? grid->SelectedRow() : kNoRow;
     if (row != kNoRow) {
         const auto cell = [&](column::Index index) { return grid->Cell(row, index); };

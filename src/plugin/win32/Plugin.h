@@ -1,13 +1,13 @@
 // The plug-in as a whole: what lives as long as the library, and what lives as long as its bar.
 #pragma once
 
-#include <deque>
 #include <memory>
 #include <utility>
 
 #include "entry/DlgImportReport.h"
 #include "entry/Entry.h"
 #include "plugin/MessageDispatch.h"
+#include "plugin/WaitingTrades.h"
 #include "plugin/win32/ScreenUser.h"
 #include "plugin/win32/TerminalHost.h"
 #include "support/DataFolder.h"
@@ -70,7 +70,8 @@ class Plugin final : public IPluginHandlers {
     void TellFrameOfLog(void* frame);
     void BarGone();
     void LetGo(std::unique_ptr<OpenBook> gone);
-    void HandOverPendingItems();
+    bool BookThere() const { return open_ && open_->bar.BookThere(); }
+    void EnterWaiting();
     void HoldLibrary();
     void ReleaseLibrary();
 
@@ -82,11 +83,10 @@ class Plugin final : public IPluginHandlers {
     DlgImportReport reportWindow_;
     Entry entry_;
     std::unique_ptr<OpenBook> open_;
-    std::deque<TradeRecord> pending_;  // trades that came while there was no grid
-    bool watching_ = false;            // for crashes
-    bool showing_ = false;             // ShowBar runs
-    bool created_ = false;             // the bar is complete: later calls only show it
-    bool parting_ = false;             // the bar's window is gone, what it owned is not
+    WaitingTrades waiting_;
+    bool watching_ = false;  // for crashes
+    bool showing_ = false;   // ShowBar runs
+    bool parting_ = false;   // the bar's window is gone, what it owned is not
 };
 
 }  // namespace Dravel

@@ -79,7 +79,8 @@ struct CKRVPGridCtrl::State {
     bool inScrollBars = false;
     bool stale = false;  // changed between BeginUpdate and EndUpdate
 
-    std::string ansi;  // buffers of a cell's text
+    std::wstring instead;  // stands in the place of the rows
+    std::string ansi;      // buffers of a cell's text
     std::wstring wide;
 };
 
@@ -134,6 +135,8 @@ struct GridInput {
 // Painting half.
 struct GridPaint {
     static void Paint(CKRVPGridCtrl& grid, HDC screen, const RECT& dirty);
+    // Draws what stands in the place of the rows, if anything does.
+    static void Instead(const CKRVPGridCtrl::State& state, HDC device, const RECT& rows);
 };
 
 // Width in pixels that a text takes in the grid's font.
