@@ -266,8 +266,8 @@ TEST(BookSave, BackupRules) {
 
     // As where two books were joined by hand, each with a trade 1.
     rig.Reopen();
-    rig.file->TradesReplaced(1);
-    EXPECT_TRUE(rig.log.Has("1 trades of the record file gave way"));
+    rig.file->TradesRenumbered(1);
+    EXPECT_TRUE(rig.log.Has("1 trades of the record file had the identifier of a later"));
     ASSERT_TRUE(rig.Save(SomeTrades(1)));
     EXPECT_EQ(rig.Backups().size(), 3u);
 }

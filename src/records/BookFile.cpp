@@ -84,12 +84,12 @@ KRV::VELT::TradeLoadReport BookFile::LoadBook(KRV::VELT::TradeSink sink) {
     return report;
 }
 
-void BookFile::TradesReplaced(std::uint32_t count) {
+void BookFile::TradesRenumbered(std::size_t count) {
     const std::lock_guard guard(lock_);
     holdsUnread_ = true;
-    log_.Line(
-        LogLevel::Warning, kContext,
-        std::to_string(count) + " trades of the record file gave way to later ones of the same identifier");
+    log_.Line(LogLevel::Warning, kContext,
+              std::to_string(count) +
+                  " trades of the record file had the identifier of a later, different one and got new ones");
 }
 
 void BookFile::SetWatch(ISaveWatch* watch) {

@@ -43,12 +43,12 @@ class BookFile final : public KRV::VELT::CKRVTradeImpl {
 
     // Hands every trade to `sink` in row order, also those behind damaged bytes; what was passed over is
     // counted, logged, and kept by a dated backup before the next save writes over it. Those with the deleted
-    // mark are told as such and are not to be shown. Of two trades with one identifier the later one counts:
-    // who has the trades by identifier, the caller, sees to that.
+    // mark are told as such and are not to be shown. Who has the trades by
+    // identifier, the caller, sees to those that share one.
     KRV::VELT::TradeLoadReport LoadBook(KRV::VELT::TradeSink sink);
-    // To be told after a load when so many trades gave way to different ones of the same identifier: logged,
-    // and kept by a dated backup as what was passed over is.
-    void TradesReplaced(std::uint32_t count);
+    // To be told after a load when so many trades had the identifier of a later, different one: logged, and
+    // kept by a dated backup as what was passed over is.
+    void TradesRenumbered(std::size_t count);
 
     // Who hears of saves from now on; nullptr: nobody. Not while one runs.
     void SetWatch(ISaveWatch* watch);

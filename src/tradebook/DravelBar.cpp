@@ -48,7 +48,7 @@ void CDravelBar::LoadBook() {
     book_.BeginLoad();
     store_->LoadBook([this](const TradeRecord& record, bool deleted) { book_.Load(record, deleted); });
     book_.EndLoad();
-    if (book_.Replaced() > 0) store_->TradesReplaced(book_.Replaced());
+    if (const auto renumbered = book_.RenumberedTrades().size()) store_->TradesRenumbered(renumbered);
 }
 
 void CDravelBar::MakeStatusLine() {
