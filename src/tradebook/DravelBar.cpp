@@ -3,6 +3,7 @@
 #include <utility>
 
 #include "toolkit/ModalLoop.h"
+#include "tradebook/BookDamageText.h"
 #include "tradebook/BookStatus.h"
 #include "tradebook/base/BarPlace.h"
 
@@ -46,9 +47,11 @@ void CDravelBar::OpenStore() {
 void CDravelBar::LoadBook() {
     if (!store_) return;
     book_.BeginLoad();
-    store_->LoadBook([this](const TradeRecord& record, bool deleted) { book_.Load(record, deleted); });
+    const auto report =
+        store_->LoadBook([this](const TradeRecord& record, bool deleted) { book_.Load(record, deleted); });
     book_.EndLoad();
     if (const auto renumbered = book_.RenumberedTrades().size()) store_->TradesRenumbered(renumbered);
+    TellOfDamage(context_.user, *this, report, book_);
 }
 
 void CDravelBar::MakeStatusLine() {
