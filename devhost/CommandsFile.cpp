@@ -55,6 +55,16 @@ void PutFile(Stage&, const Words& words) {
     std::ofstream(path, std::ios::binary) << words[1];
 }
 
+void ReplaceInFile(Stage&, const Words& words) {
+    const fs::path path = OfProgram(words[0]);
+    std::string bytes;
+    if (!ReadBytes(path, bytes)) Fail("there is no such file");
+    const std::size_t at = bytes.find(words[1]);
+    if (at == bytes.npos) Fail("it does not hold the text");
+    bytes.replace(at, words[1].size(), words[2]);
+    if (!(std::ofstream(path, std::ios::binary) << bytes).flush()) Fail("the file cannot be written");
+}
+
 void CopyFileCommand(Stage& stage, const Words& words) {
     std::string bytes;
     stage.Until([&] { return ReadBytes(OfProgram(words[0]), bytes); }, "there is no such file");
@@ -149,6 +159,7 @@ constexpr CommandEntry kCommands[] = {
     {"expect-in-file", "PATH TEXT", 2, 2, ExpectInFile},
     {"same-file", "FILE EXPECTED", 2, 2, SameFile},
     {"put-file", "PATH TEXT", 2, 2, PutFile},
+    {"replace-in-file", "PATH TEXT WITH", 3, 3, ReplaceInFile},
     {"remove-file", "PATH", 1, 1, RemoveFile},
     {"copy-file", "PATH FILE", 2, 2, CopyFileCommand},
     {"save-as", "FILE", 1, 1, SaveAs},

@@ -104,6 +104,20 @@ TEST_F(ThreadsSaveTest, AFullDiskKeepsTheOldBookTellsTheUserAndSetsTheFlagAgain)
     EXPECT_EQ(OnDisk(), 503u);
 }
 
+TEST_F(ThreadsSaveTest, WhatAnotherProgramWroteIsToldOfWithItsBackup) {
+    parts.store = rig.file.get();
+    TradeSaver saver(parts, user);
+    Add(2);
+    saver.SaveAndWait();
+    EXPECT_TRUE(user.boxes.empty());
+    rig.disk.Put(kBook, FramesOf(SomeTrades(7)));
+    saver.SaveAndWait();
+    ASSERT_EQ(user.boxes.size(), 1u);
+    EXPECT_TRUE(user.boxes[0].starts_with("Dravel|Another program had written to the book's file"));
+    EXPECT_TRUE(user.boxes[0].ends_with("Data\\Backup\\" + rig.Backups().at(0)));
+    EXPECT_EQ(OnDisk(), 2u);
+}
+
 TEST_F(ThreadsSaveTest, WithoutAStoreNothingIsWrittenAndTheFlagStays) {
     TradeSaver saver(parts, user);
     Add(1);

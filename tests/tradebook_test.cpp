@@ -130,17 +130,27 @@ TEST_F(BookTest, LoadingKeepsTheOrderAndReportsNothing) {
     EXPECT_EQ(Symbols(), "D C B A ");
 }
 
-TEST_F(BookTest, OfTwoFramesWithOneIdentifierTheLaterCounts) {
+TEST_F(BookTest, DifferentFramesWithOneIdentifierAreTwoTradesAndEqualOnesAreOne) {
     Load({{Trade("A", "1", 5), false},
           {Trade("B", "2", 6), false},
           {Trade("A2", "7", 5), false},
-          {Trade("B", "2", 6), true}});
-    EXPECT_EQ(Symbols(), "A2 ");
-    EXPECT_FALSE(book.HolderOf(Trade("A", "1")));
-    EXPECT_FALSE(book.HolderOf(Trade("B", "2")));
-    EXPECT_TRUE(book.HolderOf(Trade("A2", "7")));
-    EXPECT_EQ(book.Find(6)->deleted, 1);
-    EXPECT_EQ(book.Replaced(), 1u) << "a deleted mark that comes later replaces nothing";
+          {Trade("B", "2", 6), true},
+          {Trade("A2", "7", 5), false},
+          {Trade("Far", "8", 2000000), false},
+          {Trade("Far2", "9", 2000000), false}});
+    EXPECT_EQ(Symbols(), "A A2 Far Far2 ");
+    EXPECT_EQ(+book.Row(1).veltTradeID, 5u) << "the later one keeps it";
+    EXPECT_EQ(+book.Row(3).veltTradeID, 2000000u);
+    EXPECT_EQ(+book.Row(2).veltTradeID, 2000001u);
+    EXPECT_EQ(+book.Row(0).veltTradeID, 2000002u);
+    for (std::uint32_t row = 0; row < book.RowCount(); ++row) {
+        EXPECT_EQ(&book.Find(static_cast<std::int32_t>(book.Row(row).veltTradeID))->record, &book.Row(row));
+    }
+    EXPECT_TRUE(book.HolderOf(Trade("A", "1")) && book.HolderOf(Trade("A2", "7")));
+    EXPECT_FALSE(book.HolderOf(Trade("B", "2"))) << "the later mark counts";
+    ASSERT_EQ(book.RenumberedTrades().size(), 2u);
+    EXPECT_EQ(book.RenumberedTrades()[0].was, 5u);
+    EXPECT_EQ(+book.Record(book.RenumberedTrades()[0].item).veltTradeID, 2000002u);
 }
 
 TEST_F(BookTest, NamelessStoredTradesGetIdentifiersThatNobodyHolds) {

@@ -74,9 +74,24 @@ void TradeSaver::Finish(Run& run) {
     if (std::exchange(again_, false)) Begin();
     if (result.ok) {
         user_.Notice("Dravel Save Successfully");
+        if (result.foundChanged) TellOfOutsideChange(result.backup);
     } else {
         Fail(result.reason);
     }
+}
+
+// The book is what the user sees and saved; what the other program wrote is not in it.
+void TradeSaver::TellOfOutsideChange(std::string_view backup) {
+    std::string text =
+        "Another program had written to the book's file since it was opened or last saved. Your book was "
+        "saved in its place.";
+    if (!backup.empty()) {
+        text +=
+            "\nWhat the other program wrote is not in your book. It is kept, in Dravel's folder, as\n"
+            "Data\\Backup\\" +
+            std::string(backup);
+    }
+    user_.Box(text, "Dravel", Buttons::Ok, Icon::Warning);
 }
 
 // The flag first: while the box is open, closing must already ask. A save that follows this one writes the

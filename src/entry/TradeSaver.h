@@ -26,7 +26,8 @@ class TradeSaver {
     TradeSaver& operator=(const TradeSaver&) = delete;
 
     // Clears the changed flag and begins. The result comes as the notice "Dravel Save Successfully", or as a
-    // box that says why not, with the changed flag set again.
+    // box that says why not, with the changed flag set again. Another box tells when the save replaced what
+    // another program had written.
     void Save();
     // The same, and returns when the result is known. False: it failed.
     bool SaveAndWait();
@@ -38,6 +39,7 @@ class TradeSaver {
 
     void Begin();
     void Finish(Run& run);
+    void TellOfOutsideChange(std::string_view backup);
     void Fail(std::string_view reason);
 
     BookParts parts_;

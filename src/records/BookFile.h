@@ -5,10 +5,12 @@
 
 #include <functional>
 #include <memory>
+#include <optional>
 #include <string>
 
 #include "records/ADAStore.h"
 #include "records/BookImage.h"
+#include "records/BookSums.h"
 #include "records/SaveWatch.h"
 #include "records/TradeImpl.h"
 
@@ -36,6 +38,10 @@ struct BookClaim {
 struct SaveResult {
     bool ok = false;
     std::string reason;  // when not ok: a sentence for the user
+    // When ok: another program had written to the book since it was loaded or saved. `backup` is the name of
+    // the backup that keeps what it wrote, empty when that was nothing.
+    bool foundChanged = false;
+    std::string backup = {};
 };
 
 // Any thread; every operation takes the file's lock, so a load never meets a save.
@@ -57,14 +63,14 @@ class BookFile final : public KRV::VELT::CKRVTradeImpl {
     // Gives file and ownership back.
     void Release();
 
-    // Hands every trade to `sink` in row order, also those behind damaged bytes; what was passed over is
-    // counted, logged, and kept by a dated backup before the next save writes over it. Those with the deleted
-    // mark are told as such and are not to be shown. Of two trades with one identifier the later one counts:
-    // who has the trades by identifier, the caller, sees to that.
+    // Hands every trade to `sink` in row order, also those behind damaged bytes. What is damaged, was passed
+    // over, or is not as it was saved is reported, logged, and kept by a dated backup before the next save
+    // writes over it. Trades with the deleted mark are told as such and are not to be shown. The caller has
+    // the trades by identifier and sees to those that share one.
     KRV::VELT::TradeLoadReport LoadBook(KRV::VELT::TradeSink sink);
-    // To be told after a load when so many trades gave way to different ones of the same identifier: logged,
-    // and kept by a dated backup as what was passed over is.
-    void TradesReplaced(std::uint32_t count);
+    // To be told after a load when so many trades had the identifier of a later, different one: logged, and
+    // kept by a dated backup as other damage is.
+    void TradesRenumbered(std::size_t count);
 
     // Who hears of saves from now on; nullptr: nobody. Not while one runs.
     void SetWatch(ISaveWatch* watch);
@@ -80,7 +86,11 @@ class BookFile final : public KRV::VELT::CKRVTradeImpl {
 
  private:
     BookClaim NotOurs(const FileStatus& status);
+    KRV::VELT::TradeLoadReport FindChanged(const KRV::VELT::TradeLoadReport& loaded);
     SaveResult SaveLocked(const BookImage& image);
+    SaveResult SwapIn();
+    std::optional<FileInfo> InfoOf(const std::filesystem::path& path);
+    bool FindOutsideChange();
     FileStatus WriteNew(const BookImage& image);
     FileStatus WriteWhole(IFile& file, const BookImage& image);
     bool NeedsBackup() const;
@@ -94,8 +104,13 @@ class BookFile final : public KRV::VELT::CKRVTradeImpl {
     std::unique_ptr<IFile> owner_;
     ISaveWatch noWatch_;
     ISaveWatch* watch_ = &noWatch_;
-    FileSum newSum_;         // of the image that was written last
+    FileSum newSum_;  // of the image that was written last
+    BookSums sums_;
     bool backedUp_ = false;  // the live file as it stands has its dated backup
+    std::optional<FileInfo>
+        known_;                  // the live file as it was loaded or saved last; none: it could not be told
+    bool foundChanged_ = false;  // since the last save that succeeded
+    std::string backupName_;     // of the last backup
 };
 
 // One save on its way to the writer thread. `done` is called once, on the thread that carries it out.

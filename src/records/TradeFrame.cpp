@@ -179,8 +179,8 @@ constexpr FieldIndex kFieldIndex = [] {
 // Whether a frame header, followed by a message code, begins at `at`; of a header that is cut off at the end
 // as much as is there. No value of a sound frame looks so: a text holds no zero byte, and a number is too
 // short.
+constexpr Byte kHead[] = {'#', 0x01, 0x00, 0, 0, '#', 0x11, 0x27, 0, 0, '#', 0x12, 0x27};
 bool LooksLikeFrame(const Byte* at, std::size_t size) {
-    static constexpr Byte kHead[] = {'#', 0x01, 0x00, 0, 0, '#', 0x11, 0x27, 0, 0, '#', 0x12, 0x27};
     static constexpr bool kFixed[] = {1, 1, 1, 0, 0, 1, 1, 1, 0, 0, 1, 1, 1};
     for (std::size_t i = 0; i < std::min(size, sizeof kHead); ++i) {
         if (kFixed[i] && at[i] != kHead[i]) return false;
@@ -218,10 +218,60 @@ void TakeStoredField(CTagMessageReader& frame, Byte* record, bool& deleted) {
     }
 }
 
-// Whether the field at hand is the deleted mark and the last one; more than 1 in it is the `#` of a header.
+// A stored frame walked by the lengths that its fields declare, nothing hunted for.
+struct StoredShape {
+    bool whole = true;  // one field behind the other up to the end
+    bool fits = true;   // no text is longer than a record holds
+    bool identity = false, mark = false, markSet = false;
+
+    // Returns the bytes of the field's value; more than `rest` when it is cut off.
+    std::size_t Note(tag::Tag tag, std::span<const Byte> rest) {
+        std::size_t width = TagWidth(tag);
+        const std::size_t index = kFieldIndex.Find(tag);
+        if (width == kVariableWidth) {
+            if (rest.size() < 2) return rest.size() + 1;
+            const std::size_t length = wire::Get<std::uint16_t>(rest.data());
+            fits = fits && (index == kNoField || length <= kTradeFields[index].capacity);
+            width = 2 + length;
+        }
+        identity |= index != kNoField && index >= kHostFields;
+        if (tag == tag::DeletedMark && !rest.empty()) {
+            mark = true;
+            markSet = rest[0] != 0;
+        }
+        return width;
+    }
+};
+
+StoredShape ShapeOf(std::span<const Byte> fields) {
+    StoredShape shape;
+    while (!fields.empty() && shape.whole) {
+        shape.whole = fields.size() >= wire::kTagSize && fields[0] == wire::kMark;
+        if (!shape.whole) break;
+        const auto tag = wire::Get<tag::Tag>(fields.data() + 1);
+        fields = fields.subspan(wire::kTagSize);
+        const std::size_t width = shape.Note(tag, fields);
+        shape.whole = width <= fields.size();
+        fields = fields.subspan(std::min(width, fields.size()));
+    }
+    return shape;
+}
+
+// What another writer's frame lacks is no damage: it has no identity.
+damage::Kinds DamageOf(const StoredShape& shape, const TradeRecord& record, bool deleted) {
+    damage::Kinds kinds = 0;
+    if (!shape.whole || (shape.identity && !shape.fits)) kinds |= damage::Torn;
+    if (shape.identity && !HasIdentifier(record)) kinds |= damage::NoIdentifier;
+    if (shape.identity && shape.whole && !shape.mark) kinds |= damage::NoDeletedMark;
+    if (shape.markSet) kinds |= deleted ? damage::MarkedDeleted : damage::Torn;
+    return kinds;
+}
+
+// Whether nothing but the deleted mark is left; more than 1 in it is the `#` of a header.
 bool AtClosingMark(const CTagMessageReader& frame) {
     const auto rest = frame.Unread();
-    return frame.CurrentTag() == tag::DeletedMark && rest.size() == 1 && rest[0] <= 1;
+    return rest.size() == 4 && rest[0] == wire::kMark &&
+           wire::Get<tag::Tag>(rest.data() + 1) == tag::DeletedMark && rest[3] <= 1;
 }
 
 void FinishReading(TradeRecord& record, ISecurityMaster* master) {
@@ -263,14 +313,16 @@ void ReadTradeFrame(CTagMessageReader& frame, TradeRecord& record, ISecurityMast
     FinishReading(record, master);
 }
 
-// One byte of a header proves nothing: a text may end in it. Behind the deleted mark there is no text.
-std::size_t ForeignBytes(const CTagMessageReader& frame) {
+// One byte of a header proves nothing, unless the rest of it follows: a text may end in it. Behind the
+// deleted mark there is no text.
+std::size_t ForeignBytes(const CTagMessageReader& frame, std::size_t behind) {
     if (!frame.Plain()) return 0;
     const std::size_t size = frame.Length();
     const Byte* bytes = frame.Unread().data() + frame.Unread().size() - size;
     for (std::size_t at = wire::kHeaderSize; at < size; ++at) {
-        if (!LooksLikeFrame(bytes + at, size - at)) continue;
-        if (size - at > 1 || EndsInDeletedMark(bytes, at)) return size - at;
+        const std::size_t foreign = size - at;
+        if (!LooksLikeFrame(bytes + at, foreign + behind)) continue;
+        if (foreign > 1 || behind >= sizeof kHead || EndsInDeletedMark(bytes, at)) return foreign;
     }
     return 0;
 }
@@ -278,18 +330,41 @@ std::size_t ForeignBytes(const CTagMessageReader& frame) {
 // A frame as it is written here is one run of fields, in the order of the table, and the deleted mark:
 // nothing can hide in it. Any other is searched for what it may have swallowed before more of it is believed,
 // which also keeps a file of nothing but headers from being walked again for each of them.
-StoredTradeEnd ReadStoredTrade(CTagMessageReader& frame, TradeRecord& record, ISecurityMaster* master) {
+StoredTradeEnd ReadStoredTrade(CTagMessageReader& frame, TradeRecord& record, ISecurityMaster* master,
+                               std::size_t behind) {
     StoredTradeEnd end;
     Byte* bytes = reinterpret_cast<Byte*>(&record);
+    const auto fields = frame.Unread();
+    StoredShape shape{.identity = true, .mark = true};
     bool field = frame.NextTag();
-    if (field && TakeField(frame, bytes, kStoredTakers)) field = frame.NextTag();
-    if (!field || !AtClosingMark(frame)) end.foreign = ForeignBytes(frame);
-    if (end.foreign > 0) return end;
+    const bool taken = field && TakeField(frame, bytes, kStoredTakers);
+    const bool closed = taken && fields[0] == wire::kMark && AtClosingMark(frame);
+    if (taken) field = frame.NextTag();
+    if (!closed) {
+        end.foreign = ForeignBytes(frame, behind);
+        if (end.foreign > 0) return end;
+        shape = ShapeOf(fields);
+    }
     for (; field; field = frame.NextTag()) {
         TakeStoredField(frame, bytes, end.deleted);
     }
     FinishReading(record, master);
+    shape.markSet |= end.deleted;
+    end.identity = shape.identity;
+    end.damage = DamageOf(shape, record, end.deleted);
     return end;
+}
+
+bool BeginsStoredField(std::span<const Byte> bytes) {
+    if (bytes.size() < wire::kTagSize || bytes[0] != wire::kMark) return false;
+    const auto tag = wire::Get<tag::Tag>(bytes.data() + 1);
+    return tag == tag::DeletedMark || kFieldIndex.Find(tag) != kNoField;
+}
+
+bool HoldsIdentity(std::span<const Byte> bytes) {
+    Byte field[wire::kTagSize];
+    wire::PutTag(field, tag::VELTTradeID);
+    return std::search(bytes.begin(), bytes.end(), std::begin(field), std::end(field)) != bytes.end();
 }
 
 }  // namespace Dravel

@@ -3,9 +3,11 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <span>
 
 #include "message/TagMessageReader.h"
 #include "message/TagMessageWriter.h"
+#include "records/FrameDamage.h"
 #include "records/TradeFields.h"
 
 namespace Dravel {
@@ -53,16 +55,27 @@ std::size_t BuildStoredTrade(const TradeRecord& record, bool deleted, std::uint8
 void ReadTradeFrame(CTagMessageReader& frame, TradeRecord& record, ISecurityMaster* master = nullptr);
 
 // Bytes at the end of a plain frame that belong to another one: its length is damaged, or it was cut short,
-// and it swallowed its neighbours. 0 as a rule. The bytes are searched up to the first header.
-std::size_t ForeignBytes(const CTagMessageReader& frame);
+// and it swallowed its neighbours. 0 as a rule. The bytes are searched up to the first header, of which
+// `behind` more bytes may follow the frame in memory.
+std::size_t ForeignBytes(const CTagMessageReader& frame, std::size_t behind = 0);
 
-// The same for a frame of the record file: the identity is restored, too. `record` comes in blank.
+// The same as ReadTradeFrame for a frame of the record file: the identity is restored, too. `record` comes in
+// blank.
 struct StoredTradeEnd {
     bool deleted = false;
     // As ForeignBytes. The record is then worth nothing: read again what is in front of them.
     std::size_t foreign = 0;
+    // Whether it holds a field of the identity: then it was written here, and `damage` says what it lacks.
+    bool identity = false;
+    damage::Kinds damage = 0;
 };
 StoredTradeEnd ReadStoredTrade(CTagMessageReader& frame, TradeRecord& record,
-                               ISecurityMaster* master = nullptr);
+                               ISecurityMaster* master = nullptr, std::size_t behind = 0);
+
+// Whether a field of a stored trade begins here: then these bytes belong to a frame whose length is too
+// small.
+bool BeginsStoredField(std::span<const std::uint8_t> bytes);
+// Whether a frame that was written here lies among the bytes: the field of an identifier is there.
+bool HoldsIdentity(std::span<const std::uint8_t> bytes);
 
 }  // namespace Dravel

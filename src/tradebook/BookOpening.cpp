@@ -74,7 +74,7 @@ bool BookOpening::ShowLastSaved(const FileStatus& claimed) {
     if (status) status = parts_.file.OpenToRead();
     if (!status) return !shows && Fail(claimed);
     if (!shows) parts_.steps.ShowLook();
-    const bool whole = !stopped_ && LoadFile();
+    const bool whole = !stopped_ && LoadFile().complete;
     parts_.file.Close();
     if (stopped_) return false;
     if (!whole) {
@@ -89,31 +89,36 @@ bool BookOpening::ShowLastSaved(const FileStatus& claimed) {
 // What the disk breaks off is read again: what fails for a moment would else pass for half a book, and what
 // cannot be read at all for an empty one.
 bool BookOpening::LoadStored() {
-    const bool whole = LoadFile();
+    const KRV::VELT::TradeLoadReport report = LoadFile();
     if (readOnly_) parts_.file.Close();
-    if (whole || stopped_) return true;
-    if (++brokenOff_ >= kPatience && parts_.book.RowCount() > 0) return true;
-    Abandon("the disk failed on the way.");
-    return false;
+    if (stopped_) return true;
+    if (!report.complete && (++brokenOff_ < kPatience || parts_.book.RowCount() == 0)) {
+        Abandon("the disk failed on the way.");
+        return false;
+    }
+    parts_.steps.TellDamage(report);
+    return true;
 }
 
-// False: the disk failed on the way. A book that has no file yet is whole.
-bool BookOpening::LoadFile() {
+// A book that has no file yet is complete.
+KRV::VELT::TradeLoadReport BookOpening::LoadFile() {
     TradeBook& book = parts_.book;
     book.BeginLoad();
-    const bool there = parts_.file.IsOpen();
-    const bool whole =
-        !there ||
-        parts_.file.LoadBook([&book](const TradeRecord& record, bool deleted) { book.Load(record, deleted); })
-            .complete;
+    KRV::VELT::TradeLoadReport report;
+    report.complete = !parts_.file.IsOpen();
+    if (!report.complete)
+        report = parts_.file.LoadBook(
+            [&book](const TradeRecord& record, bool deleted) { book.Load(record, deleted); });
     book.EndLoad();
-    if (there && book.Replaced() > 0) parts_.file.TradesReplaced(book.Replaced());
-    return whole;
+    if (const std::size_t renumbered = book.RenumberedTrades().size(); renumbered > 0)
+        parts_.file.TradesRenumbered(renumbered);
+    return report;
 }
 
 bool BookOpening::RestoreChanges() {
-    if (!readOnly_) parts_.steps.RestoreChanges();
-    return true;
+    const FileStatus restored = readOnly_ ? FileStatus{} : parts_.steps.RestoreChanges();
+    if (!restored) Abandon(FaultText("the journal cannot be read", restored));
+    return static_cast<bool>(restored);
 }
 
 bool BookOpening::ReportBook() {

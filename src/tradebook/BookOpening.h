@@ -30,9 +30,12 @@ enum class BookState : std::uint8_t {
 class IOpeningSteps {
  public:
     virtual ~IOpeningSteps() = default;
-    // The stored trades are in the book, which is ours: carries out again what was changed since they were
-    // saved.
-    virtual void RestoreChanges() = 0;
+    // The stored trades are in the book: what the load met on the way is to be told once the opening is
+    // through.
+    virtual void TellDamage(const KRV::VELT::TradeLoadReport& report) = 0;
+    // The book is ours: carries out again what was changed since it was saved. A failure of the disk begins
+    // the opening anew.
+    virtual Dravel::FileStatus RestoreChanges() = 0;
     // Trades of another terminal are about to be shown: their look, without a word to the terminal.
     virtual void ShowLook() = 0;
     // Loads the properties and reports the book as they ask. False: not yet, ask again at the next try.
@@ -92,7 +95,7 @@ class BookOpening final : public IBookGate {
 
     void GoOn();
     bool ShowLastSaved(const FileStatus& claimed);
-    bool LoadFile();
+    KRV::VELT::TradeLoadReport LoadFile();
     bool Fail(std::string_view what);
     bool Fail(const FileStatus& status);
     bool FailWith(const std::string& reason);

@@ -3,6 +3,7 @@
 #include <utility>
 
 #include "toolkit/ModalLoop.h"
+#include "tradebook/BookDamageText.h"
 #include "tradebook/BookStatus.h"
 #include "tradebook/base/BarPlace.h"
 

@@ -9,10 +9,6 @@ namespace Dravel {
 
 namespace {
 
-bool HasIdentifier(const TradeRecord& record) {
-    return record.veltTradeID >= 1 && record.veltTradeID <= kLargestIdentifier;
-}
-
 std::int32_t IdentifierOf(const TradeRecord& record) {
     return static_cast<std::int32_t>(record.veltTradeID);
 }
@@ -28,7 +24,7 @@ void TradeBook::BeginLoad() {
     keys_.Clear();
     totals_ = {};
     counter_ = 0;
-    replaced_ = 0;
+    renumbered_.clear();
     SetChanged(false);
     if (shown && observer_) observer_->RowsReset();
 }
@@ -37,11 +33,17 @@ void TradeBook::Load(const TradeRecord& record, bool deleted) {
     if (HasIdentifier(record)) {
         counter_ = std::max(counter_, std::uint32_t{record.veltTradeID});
         if (const TradeStore::Slot known = trades_.Find(IdentifierOf(record)); known != TradeIndex::kNone) {
-            replaced_ += std::memcmp(&store_[known].record, &record, sizeof record) != 0;
-            store_[known] = {record, deleted};
-            return;
+            StoredTrade& earlier = store_[known];
+            if (std::memcmp(&earlier.record, &record, sizeof record) == 0) {
+                earlier.deleted = deleted;
+                return;
+            }
+            renumbered_.push_back({record.veltTradeID, known});
+            earlier.record.veltTradeID = 0;
+            trades_.Move(IdentifierOf(record), store_.Size());
+        } else {
+            trades_.Insert(IdentifierOf(record), store_.Size());
         }
-        trades_.Insert(IdentifierOf(record), store_.Size());
     } else if (deleted) {
         return;  // nothing that a later frame could speak of
     }

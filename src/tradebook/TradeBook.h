@@ -40,6 +40,12 @@ class IBookObserver {
     virtual void BatchEnds() = 0;
 };
 
+// A trade that was stored with the identifier of another one and was given its own when it was loaded.
+struct Renumbered {
+    std::uint32_t was = 0;
+    TradeItem item = kNoItem;
+};
+
 // Quantities of the trades shown.
 struct RunningTotals {
     std::uint64_t bought = 0;
@@ -53,14 +59,14 @@ class TradeBook final : public ITradeSink {
     explicit TradeBook(IHost& host) : host_(host), securities_(host) {}
 
     // Loading: BeginLoad empties the book, Load takes the frames in file order (the first is the top row),
-    // EndLoad gives identifiers to the trades that have none and shows the rows. Of two frames with one
-    // identifier the later counts, in the earlier one's place; a deleted one is not shown. Nothing is
-    // reported and the changed flag stays clear.
+    // EndLoad gives identifiers to the trades that have none and shows the rows. Two different frames with
+    // one identifier are two trades: the later one keeps it. Of two equal ones only the deleted mark of the
+    // later counts. A deleted trade is not shown. Nothing is reported and the changed flag stays clear.
     void BeginLoad();
     void Load(const TradeRecord& record, bool deleted);
     void EndLoad();
-    // Of the last load: trades that a later, different one of the same identifier took the place of.
-    std::uint32_t Replaced() const { return replaced_; }
+    // Of the last load: trades that lost their identifier to a later, different one.
+    std::span<const Renumbered> RenumberedTrades() const { return renumbered_; }
 
     // A new trade, on top: takes the next value of the counter as VELTTradeID and VELTOrderID, enters its
     // key, is reported, sets the changed flag. Returns its identifier.
@@ -161,7 +167,7 @@ class TradeBook final : public ITradeSink {
     RunningTotals totals_;
     std::uint64_t revision_ = 0;
     std::uint32_t counter_ = 0;
-    std::uint32_t replaced_ = 0;
+    std::vector<Renumbered> renumbered_;
     bool changed_ = false;
     bool analysisOnly_ = false;
 };

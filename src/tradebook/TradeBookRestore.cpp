@@ -15,7 +15,7 @@ void TradeBook::Place(TradeItem item, std::uint32_t above) {
 }
 
 void TradeBook::RestorePut(TradeRecord record, std::uint32_t above) {
-    if (record.veltTradeID == 0 || record.veltTradeID > kLargestIdentifier) return;
+    if (!HasIdentifier(record)) return;
     FindSecurity(record);
     const TradeItem known = ItemOf(static_cast<std::int32_t>(record.veltTradeID));
     if (RowOf(known) != kNoBookRow) return Replace(known, record);

@@ -93,6 +93,15 @@ std::vector<std::string> BookRig::Backups() const {
     return backups;
 }
 
+std::vector<std::string> BookRig::NamesAfterASave() const {
+    std::vector<std::string> names;
+    for (const std::string& backup : Backups()) {
+        names.push_back("Data/Backup/" + backup);
+    }
+    names.insert(names.end(), {kBook, kBookLock, kBookSums});
+    return names;
+}
+
 Trades TradesIn(const FileBytes& bytes, KRV::VELT::TradeLoadReport* report) {
     BookRig rig;
     rig.disk.Put(kBook, bytes);

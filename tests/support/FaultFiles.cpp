@@ -113,6 +113,7 @@ FileStatus FaultFiles::WriteByte(Node& node, std::uint64_t at, std::uint8_t byte
     if (plan.bytesLeft == 0) return Failed(FileFault::Full);
     if (plan.bytesLeft != kNever) --plan.bytesLeft;
     ++written_;
+    if (written_ >= plan.loseAtByte) return {};
     if (at == node.bytes.size()) {
         node.bytes.push_back(byte);
     } else {
@@ -339,6 +340,12 @@ void FaultFiles::Put(const std::string& path, FileBytes bytes) {
     names_[path] = node;
     for (fs::path at = fs::path(path).parent_path(); !at.empty(); at = at.parent_path()) {
         folders_.insert(at.generic_string());
+    }
+}
+
+void FaultFiles::TakeFrom(const FaultFiles& other) {
+    for (const auto& [name, node] : other.names_) {
+        Put(name, node->bytes);
     }
 }
 

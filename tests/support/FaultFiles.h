@@ -38,6 +38,7 @@ class FaultFiles final : public IFiles {
         std::uint64_t bytesLeft = kNever;    // room on the disk, in bytes yet to be written
         std::uint64_t crashAt = kNever;      // operation in front of which the machine dies
         std::uint64_t crashAtByte = kNever;  // written byte in front of which it dies
+        std::uint64_t loseAtByte = kNever;   // written byte from which on all are taken and none is kept
         bool noFlush = false;                // flushing does nothing: the fault of a lying disk
         bool noLinks = false;                // a disk without hard links
     };
@@ -67,6 +68,8 @@ class FaultFiles final : public IFiles {
     // Past all faults.
     const FileBytes& Content(const std::string& path) const;
     void Put(const std::string& path, FileBytes bytes);
+    // Copies every file of another disk, as its bytes are.
+    void TakeFrom(const FaultFiles& other);
     bool Has(const std::string& path) const { return names_.contains(path); }
     std::vector<std::string> Names() const;
     std::size_t OpenHandles() const { return handles_.size(); }
