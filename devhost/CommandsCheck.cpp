@@ -257,7 +257,7 @@ std::span<const CommandEntry> CheckCommands() {
 
 const CommandEntry* FindCommand(std::string_view name) {
     for (const auto table : {PluginCommands(), DialogCommands(), GridCommands(), HeaderCommands(),
-                             BarCommands(), CheckCommands(), FileCommands()})
+                             BarCommands(), CheckCommands(), FileCommands(), InputCommands()})
         for (const CommandEntry& command : table)
             if (command.name == name) return &command;
     return nullptr;

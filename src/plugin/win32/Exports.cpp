@@ -29,9 +29,13 @@ std::uint64_t Address(auto* entry) {
 
 void GetDllInfo(CTagReceiveQueue* output, std::uint8_t* flag) {
     if (!output || !flag) return;
-    Entered("GetDllInfo", [&] {
+    // It calls nobody who could free the library, and a host that only asks for this may never take a
+    // message.
+    Dravel::Shielded("GetDllInfo", false, [&] {
+        Dravel::Plugin::Instance().WatchForCrashes();
         Dravel::AppendRegistration(*output, *flag,
                                    {Address(&DravelBar), Address(&OnMessage), Address(&OnPluginMessage)});
+        return true;
     });
 }
 
@@ -65,7 +69,7 @@ BOOL WINAPI DllMain(HINSTANCE module, DWORD reason, void* reserved) {
     if (reason == DLL_PROCESS_ATTACH) {
         DisableThreadLibraryCalls(module);
         Dravel::SetModule(module);
-        return Dravel::Guarded("DllMain", FALSE, [] { return Dravel::Plugin::Make(), TRUE; });
+        return Dravel::Shielded("DllMain", FALSE, [] { return Dravel::Plugin::Make(), TRUE; });
     }
     if (reason == DLL_PROCESS_DETACH && !reserved) {
         Dravel::Plugin::Unmake();

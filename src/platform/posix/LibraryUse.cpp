@@ -1,0 +1,9 @@
+#include "platform/LibraryUse.h"
+
+namespace Dravel {
+
+// Nobody frees a program.
+void LibraryUse::Begin() noexcept {}
+void LibraryUse::End() noexcept {}
+
+}  // namespace Dravel
