@@ -5,6 +5,7 @@
 #include <string_view>
 
 #include "records/BookFile.h"
+#include "toolkit/EscapeRule.h"
 #include "toolkit/StatusLine.h"
 #include "tradebook/BarContext.h"
 #include "tradebook/DravelGrid.h"
@@ -40,7 +41,11 @@ class CDravelBar final : public CVELTSDockingControlBar {
     void OnSetFocus() override;
     void OnPressCloseButton() override { HideAndTell(); }
     void OnTabCloseButton() override { HideAndTell(); }
-    void OnEscape() override { HideAndTell(); }
+    void OnEscape() override {
+        if (escape_.Hides()) HideAndTell();
+    }
+    bool PreTranslateMessage(void* child, std::uint32_t message, std::uintptr_t wparam,
+                             std::intptr_t lparam) override;
     bool OnFrameClose() override;
     void OnEndSession(bool ending) override;
     void OnDestroy() override;
@@ -63,6 +68,7 @@ class CDravelBar final : public CVELTSDockingControlBar {
     std::unique_ptr<Dravel::BookFile> store_;  // none: it could not be opened, nothing can be saved
     std::unique_ptr<CDravelGrid> grid_;
     Dravel::StatusLine status_;
+    Dravel::EscapeRule escape_;
     bool statusStale_ = false;   // ShowStatus is on its way
     std::uint64_t askedAt_ = 0;  // the book's revision when its frame's closing was asked about
 };
