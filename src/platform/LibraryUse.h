@@ -27,4 +27,9 @@ class LibraryUse {
     static inline int uses_ = 0;
 };
 
+// The thread library that is linked in keeps two handles and some memory for every thread that it has met,
+// until the thread ends. The host's thread goes on without this library, so it is told here that the calling
+// one has ended; what it keeps for a thread that comes again it makes anew. `module` is the library's handle.
+void LeaveThread(void* module) noexcept;
+
 }  // namespace Dravel

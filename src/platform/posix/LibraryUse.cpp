@@ -6,4 +6,6 @@ namespace Dravel {
 void LibraryUse::Begin() noexcept {}
 void LibraryUse::End() noexcept {}
 
+void LeaveThread(void*) noexcept {}
+
 }  // namespace Dravel

@@ -17,6 +17,8 @@
 
 #include <utility>
 
+extern "C" const IMAGE_TLS_DIRECTORY _tls_used;
+
 namespace Dravel {
 namespace {
 
@@ -85,6 +87,12 @@ void CALLBACK WaitAndFree(PTP_CALLBACK_INSTANCE instance, void* window) {
 
 }  // namespace
 
+void LeaveThread(void* module) noexcept {
+    const auto* callback = reinterpret_cast<const PIMAGE_TLS_CALLBACK*>(_tls_used.AddressOfCallBacks);
+    while (callback && *callback)
+        (*callback++)(module, DLL_THREAD_DETACH, nullptr);
+}
+
 void LibraryUse::Begin() noexcept {
     const Locked locked;
     g_used = true;
@@ -99,6 +107,8 @@ void LibraryUse::End() noexcept {
         if (!g_held || g_waiting) return;
         g_waiting = true;
     }
+    // The thread that frees the library cannot do this for the one that used it.
+    LeaveThread(g_held);
     // Making a window may call a hook of the terminal's, and that the library: nobody else begins to wait
     // then.
     const HWND sign = MakeSign();
