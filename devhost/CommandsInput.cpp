@@ -63,10 +63,18 @@ void SwitchAway(Stage& stage, const Words&) {
     });
 }
 
+// As the system does when the user signs out, in the midst of whatever he does.
+void EndSession(Stage& stage, const Words&) {
+    stage.OnUi([&stage] {
+        const HWND frame = stage.Host().Frame();
+        if (SendMessageW(frame, WM_QUERYENDSESSION, 0, 0)) SendMessageW(frame, WM_ENDSESSION, TRUE, 0);
+    });
+}
+
 constexpr CommandEntry kCommands[] = {
     {"menu", "TITLE ENTRY", 2, 2, ClickMenu}, {"hold-key", "KEY COUNT", 2, 2, HoldKey},
     {"pause", "MILLISECONDS", 1, 1, Pause},   {"expect-library", "loaded|gone", 1, 1, ExpectLibrary},
-    {"switch-away", "", 0, 0, SwitchAway},
+    {"switch-away", "", 0, 0, SwitchAway},    {"end-session", "", 0, 0, EndSession},
 };
 
 }  // namespace
