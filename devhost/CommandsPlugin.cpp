@@ -29,8 +29,13 @@ void Load(Stage& stage, const Words&) {
     OnUiOrFail(stage, [&](std::string& error) { stage.Host().LoadPlugin(error); });
 }
 
-void Unload(Stage& stage, const Words&) {
+// Does not wait until it is gone: a box of the library's may still be up.
+void AskUnload(Stage& stage, const Words&) {
     stage.OnUi([&] { stage.Host().UnloadPlugin(); });
+}
+
+void Unload(Stage& stage, const Words& words) {
+    AskUnload(stage, words);
     // The library may give its last reference back on a thread of the system's.
     stage.Until([] { return !GetModuleHandleW(kModule); }, "the library is not let go");
 }
@@ -203,6 +208,7 @@ void Crash(Stage& stage, const Words& words) {
 constexpr CommandEntry kCommands[] = {
     {"load", "", 0, 0, Load},
     {"unload", "", 0, 0, Unload},
+    {"ask-unload", "", 0, 0, AskUnload},
     {"open", "", 0, 0, Open},
     {"open-by-message", "", 0, 0, OpenByMessage},
     {"close", "", 0, 0, DestroyBar},

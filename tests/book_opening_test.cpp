@@ -78,7 +78,11 @@ class Terminal final : IOpeningSteps {
     BookOpening opening{{file, book, disk, user, log, *this}};
 
  private:
-    void RestoreChanges() override { GoOnceTo("changes"); }
+    void TellDamage(const KRV::VELT::TradeLoadReport&) override {}
+    FileStatus RestoreChanges() override {
+        GoOnceTo("changes");
+        return {};
+    }
     void ShowLook() override { GoOnceTo("look"); }
     bool ReportBook() override {
         GoOnceTo("report");

@@ -4,6 +4,7 @@
 
 #include <iterator>
 
+#include "platform/LibraryUse.h"
 #include "toolkit/ColourPicker.h"
 #include "toolkit/DialogBase.h"
 #include "toolkit/Geometry.h"
@@ -64,6 +65,7 @@ DialogTemplate Shape() {
 // The arrows go over the palette as it is seen, not from one control to the next.
 LRESULT CALLBACK CellProcedure(HWND cell, UINT message, WPARAM wparam, LPARAM lparam, UINT_PTR id,
                                DWORD_PTR) noexcept {
+    const LibraryUse use;
     if (message == WM_NCDESTROY) RemoveWindowSubclass(cell, &CellProcedure, id);
     const LRESULT result = DefSubclassProc(cell, message, wparam, lparam);
     if (message == WM_GETDLGCODE) return result | DLGC_WANTARROWS;

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 
+#include "platform/LibraryUse.h"
 #include "toolkit/ActivationContext.h"
 #include "toolkit/AnsiText.h"
 #include "toolkit/DialogBase.h"
@@ -44,6 +45,7 @@ bool IsDialogKey(WPARAM key) {
 // would do. IsDialogMessage sends on only what it does not take, and it takes all of these.
 LRESULT CALLBACK DialogKeys(HWND control, UINT message, WPARAM wparam, LPARAM lparam, UINT_PTR id,
                             DWORD_PTR) noexcept {
+    const LibraryUse use;
     const bool pressed = message == WM_KEYDOWN && IsDialogKey(wparam);
     if (pressed || (message == WM_SYSCHAR && wparam != VK_SPACE)) {
         MSG key{};

@@ -8,11 +8,10 @@
 
 namespace Dravel {
 
-// Runs `work` as one call from outside and gives its result; when it throws, that is told to the failure log
-// under the name `where`, and the result is `failed`. User-interface thread.
+// Runs `work` and gives its result; when it throws, that is told to the failure log under the name `where`,
+// and the result is `failed`.
 template <class Result, class Work>
-Result Guarded(const char* where, Result failed, const Work& work) noexcept {
-    const OuterCall call;
+Result Shielded(const char* where, Result failed, const Work& work) noexcept {
     try {
         return work();
     } catch (const std::exception& failure) {
@@ -21,6 +20,13 @@ Result Guarded(const char* where, Result failed, const Work& work) noexcept {
         ReportFailure(where, "unknown exception");
     }
     return failed;
+}
+
+// The same as one call from outside. User-interface thread.
+template <class Result, class Work>
+Result Guarded(const char* where, Result failed, const Work& work) noexcept {
+    const OuterCall call;
+    return Shielded(where, failed, work);
 }
 
 // The same without a result.

@@ -82,6 +82,10 @@ bool GridEditor::Open(wchar_t typed) {
     return true;
 }
 
+void GridEditor::OpenWithList() {
+    if (Open(0) && HasButton()) OpenList();
+}
+
 void GridEditor::Drop() {
     list_.Close();
     if (field_ == nullptr) return;
@@ -288,7 +292,7 @@ LRESULT GridEditor::Message(HWND window, UINT message, WPARAM wparam, LPARAM lpa
 
 bool GridEditor::KeyDown(WPARAM key, bool system) {
     const GridModifierKeys held = HeldModifiers();
-    if ((held.alt && (key == VK_DOWN || key == VK_UP)) || (!held.alt && key == VK_F4)) {
+    if (OpensList(static_cast<std::uint32_t>(key), held)) {
         ToggleList();
         return true;
     }

@@ -6,6 +6,7 @@
 #include <cwchar>
 #include <utility>
 
+#include "platform/LibraryUse.h"
 #include "toolkit/ColourPicker.h"
 #include "toolkit/Module.h"
 
@@ -28,6 +29,7 @@ constexpr struct {
 // The field wants Enter and Escape for itself, which otherwise end the dialog.
 LRESULT CALLBACK EditProcedure(HWND edit, UINT message, WPARAM wparam, LPARAM lparam, UINT_PTR,
                                DWORD_PTR list) noexcept {
+    const LibraryUse use;
     if (message == WM_GETDLGCODE) return DefSubclassProc(edit, message, wparam, lparam) | DLGC_WANTALLKEYS;
     if (message == WM_CHAR && (wparam == VK_RETURN || wparam == VK_ESCAPE || wparam == VK_TAB)) return 0;
     if (message == WM_KEYDOWN && (wparam == VK_RETURN || wparam == VK_ESCAPE || wparam == VK_TAB)) {

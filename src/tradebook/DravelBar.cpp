@@ -152,6 +152,9 @@ bool CDravelBar::OnFrameClose() {
 void CDravelBar::OnEndSession(bool ending) {
     if (!ending) return;
     context_.entry.EndImport();
+    // As Enter would, so that a trade whose last cell is still open is saved. A box about it is only posted,
+    // and the session does not wait for that.
+    if (grid_) grid_->LeaveCheck();
     if (HasUnsaved()) context_.entry.SaveNow();
     KeepLayout();
 }

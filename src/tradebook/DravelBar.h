@@ -6,6 +6,7 @@
 #include <string_view>
 
 #include "records/BookFile.h"
+#include "toolkit/EscapeRule.h"
 #include "toolkit/StatusLine.h"
 #include "tradebook/BarContext.h"
 #include "tradebook/BookOpening.h"
@@ -53,7 +54,11 @@ class CDravelBar final : public CVELTSDockingControlBar, private Dravel::IOpenin
     void OnSetFocus() override;
     void OnPressCloseButton() override { HideAndTell(); }
     void OnTabCloseButton() override { HideAndTell(); }
-    void OnEscape() override { HideAndTell(); }
+    void OnEscape() override {
+        if (escape_.Hides()) HideAndTell();
+    }
+    bool PreTranslateMessage(void* child, std::uint32_t message, std::uintptr_t wparam,
+                             std::intptr_t lparam) override;
     bool OnFrameClose() override;
     void OnEndSession(bool ending) override;
     void OnDestroy() override;
@@ -83,6 +88,7 @@ class CDravelBar final : public CVELTSDockingControlBar, private Dravel::IOpenin
     Dravel::BookOpening opening_;
     std::unique_ptr<CDravelGrid> grid_;
     Dravel::StatusLine status_;
+    Dravel::EscapeRule escape_;
     bool statusStale_ = false;  // ShowStatus is on its way
     // The book's revision when its frame's closing was asked about.
     static constexpr std::uint64_t kNotAsked = 0;

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "toolkit/ModalLoop.h"
 #include "tradebook/BookStatus.h"
 #include "tradebook/DlgNotices.h"
 #include "tradebook/DravelBar.h"
@@ -46,6 +47,16 @@ void CDravelBar::OnPaint(void* hdc, const Rect& content) {
 void CDravelBar::OnSetFocus() {
     TellHost(kGotFocus);
     if (grid_) SetFocus(static_cast<HWND>(grid_->Window()));
+}
+
+// Nobody types into what he does not see, wherever the key comes from.
+bool CDravelBar::PreTranslateMessage(void*, std::uint32_t message, std::uintptr_t wparam,
+                                     std::intptr_t lparam) {
+    if (!Shown()) return true;
+    if (message != WM_KEYDOWN || wparam != VK_ESCAPE) return false;
+    constexpr std::intptr_t kHeld = std::intptr_t{1} << 30;  // the key was down before
+    escape_.Ended(ModalLoop::EndedAt());
+    return !escape_.Pressed(context_.clock.Ticks(), (lparam & kHeld) != 0);
 }
 
 // A click on the last notice shows them all, one on what the last import came to shows its report.

@@ -2,6 +2,7 @@
 // Needs the types of the line above.
 #include <shellapi.h>
 
+#include "toolkit/ModalLoop.h"
 #include "tradebook/DravelGrid.h"
 
 using namespace Dravel;
@@ -78,6 +79,7 @@ void CDravelGrid::OnContextMenu(int x, int y, const GridHit&) {
     }
     const HWND window = static_cast<HWND>(Window());
     const auto chosen = TrackPopupMenu(menu, TPM_RETURNCMD | TPM_RIGHTBUTTON, x, y, 0, window, nullptr);
+    ModalLoop::Ended();
     DestroyMenu(menu);
     if (chosen) PostMessageW(window, WM_COMMAND, static_cast<WPARAM>(chosen), 0);
 }

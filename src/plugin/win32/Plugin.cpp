@@ -89,7 +89,6 @@ void Plugin::ShowBar() {
 void Plugin::CreateBar() {
     void* const frame = TerminalHost::MainFrame();
     const std::uint32_t identifier = host_.BarID(kBarTitle, kBarKey);
-    HoldLibrary();
     TellFrameOfLog(frame);
     open_ = std::make_unique<OpenBook>(*this);
     CDravelBar& bar = open_->bar;
@@ -132,23 +131,6 @@ void Plugin::LetGo(std::unique_ptr<OpenBook> gone) {
     gone.reset();
     log_.Tell({});
     parting_ = false;
-    ReleaseLibrary();
-}
-
-// While windows of the library live, the library must not go, even if the host frees it too early.
-void Plugin::HoldLibrary() {
-    HMODULE self;
-    GetModuleHandleExW(GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS, reinterpret_cast<LPCWSTR>(&Plugin::Instance),
-                       &self);
-}
-
-// Given back by the system when no code of ours runs any more on that thread: a FreeLibrary from here could
-// take away the code to which it returns.
-void Plugin::ReleaseLibrary() {
-    const auto release = [](PTP_CALLBACK_INSTANCE instance, void* self) {
-        FreeLibraryWhenCallbackReturns(instance, static_cast<HMODULE>(self));
-    };
-    TrySubmitThreadpoolCallback(release, Module(), nullptr);
 }
 
 void Plugin::PendingItems() {

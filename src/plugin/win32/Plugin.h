@@ -57,6 +57,7 @@ class Plugin final : public IPluginHandlers {
     // The bar is the last member because it uses the others.
     struct OpenBook {
         OpenBook(Plugin& plugin);
+        LibraryUse use;  // the host may free the library too early
         LogThread logThread;
         CrashDumpThread crashDumpThread;
         CVELTPXMLSettings settings;
@@ -72,8 +73,6 @@ class Plugin final : public IPluginHandlers {
     void LetGo(std::unique_ptr<OpenBook> gone);
     bool BookThere() const { return open_ && open_->bar.BookThere(); }
     void EnterWaiting();
-    void HoldLibrary();
-    void ReleaseLibrary();
 
     DataFolder folder_;
     CFileLog log_;

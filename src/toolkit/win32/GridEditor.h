@@ -19,6 +19,7 @@ class GridEditor {
     // Over the current cell. `typed`: the character that opened it, in place of the cell's text; 0: none.
     // False: the cell is not to be edited.
     bool Open(wchar_t typed);
+    void OpenWithList();  // the list only where there is one
     // False: the owner refused the text, the editor stays.
     bool Close(bool commit);
     // The window goes, and nobody is asked or told.
