@@ -3,15 +3,18 @@
 
 #include <exception>
 
+#include "platform/FloatingPoint.h"
 #include "support/OuterCall.h"
 #include "toolkit/Module.h"
 
 namespace Dravel {
 
-// Runs `work` as one call from outside and gives its result; when it throws, that is told to the failure log
-// under the name `where`, and the result is `failed`. User-interface thread.
+// Runs `work` as one call from outside, under our own floating point state, and gives its result; when it
+// throws, that is told to the failure log under the name `where`, and the result is `failed`. User-interface
+// thread.
 template <class Result, class Work>
 Result Guarded(const char* where, Result failed, const Work& work) noexcept {
+    const FloatingPointScope ours;
     const OuterCall call;
     try {
         return work();

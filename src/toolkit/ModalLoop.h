@@ -1,6 +1,7 @@
 // Which windows of ours hold the user at the moment.
 #pragma once
 
+#include "platform/FloatingPoint.h"
 #include "toolkit/ActivationContext.h"
 
 namespace Dravel {
@@ -18,6 +19,7 @@ class ModalLoop {
 
  private:
     static inline int open_ = 0;
+    FloatingPointScope whateverItLeaves_;  // the terminal's windows live meanwhile
     ActivationScope controls_;
 };
 
