@@ -110,6 +110,7 @@ TEST_F(BookTest, ATradeFromTheHostKeepsItsIdentifierAndIsReportedTwice) {
     book.AddFromHost(nameless);
     EXPECT_EQ(+book.Row(1).veltTradeID, 40u);
     EXPECT_EQ(+book.Row(0).veltTradeID, 41u);
+    EXPECT_EQ(+book.Row(0).veltOrderID, 41u);
     EXPECT_EQ(Codes(), (std::vector<msg::Code>{msg::TradeReport, msg::SecondTradeReport, msg::TradeReport,
                                                msg::SecondTradeReport}));
     TradeRecord again = Trade("C", "3", 40);
@@ -155,6 +156,9 @@ TEST_F(BookTest, TheLargestIdentifierDoesNotEndTheBook) {
     TradeRecord next = Trade("C", "3");
     EXPECT_EQ(book.Add(next), 2);
     EXPECT_EQ(+book.Find(2)->record.veltTradeID, 2u);
+    TradeRecord third = Trade("D", "4", 3), fourth = Trade("E", "5");
+    book.AddFromHost(third);
+    EXPECT_EQ(book.Add(fourth), 4) << "the search goes on where it ended";
 }
 
 TEST_F(BookTest, AKeyIsMadeOfTheTextsAsTheRecordHoldsThem) {

@@ -31,6 +31,7 @@ void TradeBook::BeginLoad() {
     keys_.Clear();
     totals_ = {};
     counter_ = 0;
+    lowestFree_ = 1;
     replaced_ = 0;
     SetChanged(false);
     if (shown && observer_) observer_->RowsReset();
@@ -82,10 +83,9 @@ void TradeBook::NameNamelessTrades() {
 // the lowest that is free, because a trade must never be turned away.
 std::int32_t TradeBook::NextIdentifier() {
     if (counter_ < kLargestIdentifier) return static_cast<std::int32_t>(++counter_);
-    std::int32_t identifier = 1;
-    while (trades_.Contains(identifier))
-        ++identifier;
-    return identifier;
+    while (trades_.Contains(lowestFree_))
+        ++lowestFree_;
+    return lowestFree_;
 }
 
 // The terminal may hand over trades while it is asked, so this comes before anything is decided by what the
@@ -116,6 +116,7 @@ std::int32_t TradeBook::AddFromHost(TradeRecord& record) {
     if (!HasIdentifier(record) || trades_.Contains(IdentifierOf(record))) {
         record.veltTradeID = static_cast<std::uint32_t>(NextIdentifier());
     }
+    if (record.veltOrderID == 0) record.veltOrderID = record.veltTradeID;
     counter_ = std::max(counter_, std::uint32_t{record.veltTradeID});
     AddTrade(record, DuplicateKey(record), true);
     return IdentifierOf(record);

@@ -64,8 +64,8 @@ class TradeBook final : public ITradeSink {
     // key, is reported, sets the changed flag. Returns its identifier.
     std::int32_t Add(TradeRecord& record);
     std::uint32_t AddUnlessHeld(TradeRecord& record) override;
-    // A trade that the terminal hands over: as Add, but it keeps an identifier of its own that nobody else
-    // holds, and is reported a second time too.
+    // A trade that the terminal hands over: as Add, but it keeps identifiers of its own, as VELTTradeID one
+    // that nobody else holds, and is reported a second time too.
     std::int32_t AddFromHost(TradeRecord& record);
     std::uint32_t HolderOf(const TradeRecord& record) const override;
     // Puts `record` in the place of the trade, which keeps its identifier, looks up the contract when the
@@ -136,6 +136,7 @@ class TradeBook final : public ITradeSink {
     RunningTotals totals_;
     std::uint64_t revision_ = 0;
     std::uint32_t counter_ = 0;
+    std::int32_t lowestFree_ = 1;  // no lower identifier is free
     std::uint32_t replaced_ = 0;
     bool changed_ = false;
     bool analysisOnly_ = false;
