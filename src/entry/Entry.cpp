@@ -80,6 +80,7 @@ void Entry::Import(void* owner, const std::filesystem::path& file) {
             entry.importing_ = false;
         }
     } const open(*this);
+    parts_->book.Securities().AskAgain();
     context_.importDialog(
         owner,
         {context_.files, context_.host, context_.user, context_.clock, parts_->book, context_.clients,

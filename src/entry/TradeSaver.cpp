@@ -41,6 +41,7 @@ void TradeSaver::Wait() {
 
 void TradeSaver::Begin() try {
     if (!parts_.store) return Fail(kBookNotOwned);
+    parts_.book.FillFromContracts();
     BookImage image(imageMemory_);
     for (std::uint32_t row = 0; row < parts_.book.RowCount(); ++row)
         image.Append(parts_.book.Row(row));

@@ -3,6 +3,7 @@
 
 #include <cstdint>
 
+#include "host/HostTypes.h"
 #include "records/TradeRecord.h"
 
 namespace Dravel {
@@ -18,6 +19,8 @@ class ITradeSink {
     // It gives it VELTTradeID and VELTOrderID, and OrderID when that is 0, stores and shows it, reports it to
     // the terminal and sets the changed flag.
     virtual std::uint32_t AddUnlessHeld(TradeRecord& record) = 0;
+    // The terminal's entry of the record's exchange and SecurityID; nullptr: it knows none.
+    virtual const SecurityMasterEntry* ContractOf(const TradeRecord&) { return nullptr; }
     // Between the two the trades that come in are shown together, at the end, which is much cheaper. They
     // nest.
     virtual void BeginBatch() {}

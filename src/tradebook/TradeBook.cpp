@@ -5,6 +5,7 @@
 #include <limits>
 
 #include "records/CodeTables.h"
+#include "tradebook/TradeColumns.h"
 
 namespace Dravel {
 
@@ -80,7 +81,8 @@ void TradeBook::NameNamelessTrades() {
 }
 
 // The next value of the counter. When a stored trade had the largest identifier there is no next one: then
-// the lowest that is free, because a trade must never be turned away.
+// the lowest that is free, because a trade must never be turned away. None becomes free again, so the search
+// goes on where the last one ended.
 std::int32_t TradeBook::NextIdentifier() {
     if (counter_ < kLargestIdentifier) return static_cast<std::int32_t>(++counter_);
     while (trades_.Contains(lowestFree_))
@@ -92,6 +94,7 @@ std::int32_t TradeBook::NextIdentifier() {
 // book holds.
 void TradeBook::FindSecurity(TradeRecord& record) {
     if (!record.security) record.security = securities_.Find(record);
+    if (record.security) FillContract(record, *record.security);
 }
 
 std::int32_t TradeBook::Add(TradeRecord& record) {
@@ -182,6 +185,54 @@ bool TradeBook::Edit(TradeItem item, TradeRecord record) {
     if (observer_) observer_->RowEdited(item);
     ReportTrade(host_, store_[item].record, {.trade = !analysisOnly_});
     return true;
+}
+
+// A row may get another place by it, and its trade another key.
+void TradeBook::TakeFromContract(TradeItem item, const SecurityMasterEntry& contract) {
+    TradeRecord& record = store_[item].record;
+    Leave(item);
+    record.security = &contract;
+    FillContract(record, contract);
+    Enter(item, DuplicateKey(record));
+}
+
+// Placing row by row what is most of a book would take longer than placing all of it.
+void TradeBook::ContractsTaken(std::span<const TradeItem> items) {
+    constexpr std::size_t kMostPlacedSingly = 1000;
+    if (items.empty()) return;
+    ++revision_;
+    if (!observer_) return;
+    if (items.size() > kMostPlacedSingly) return observer_->RowsReset();
+    for (const TradeItem item : items)
+        observer_->RowEdited(item);
+}
+
+void TradeBook::FillFromContracts() {
+    std::vector<TradeItem> taken;
+    for (TradeItem item = 0; item < store_.Size(); ++item) {
+        const auto& [record, deleted] = store_[item];
+        if (deleted || !record.security || !LacksOfContract(record, *record.security)) continue;
+        TakeFromContract(item, *record.security);
+        taken.push_back(item);
+    }
+    ContractsTaken(taken);
+}
+
+// By items: they stay what they are whatever the terminal does while it is asked, unless the book is loaded
+// anew.
+void TradeBook::FindContracts() {
+    if (!host_.HasSecurityMaster()) return;
+    securities_.AskAgain();
+    std::vector<TradeItem> taken;
+    for (TradeItem item = 0; item < store_.Size(); ++item) {
+        if (store_[item].deleted || store_[item].record.security) continue;
+        const SecurityMasterEntry* const contract = securities_.Find(store_[item].record);
+        if (!contract || item >= store_.Size() || store_[item].deleted) continue;
+        TakeFromContract(item, *contract);
+        taken.push_back(item);
+    }
+    std::erase_if(taken, [this](TradeItem item) { return item >= store_.Size() || store_[item].deleted; });
+    ContractsTaken(taken);
 }
 
 // Ascending, each once.

@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "host/Host.h"
+#include "platform/Clock.h"
 #include "tradebook/BookPort.h"
 #include "tradebook/DuplicateKeys.h"
 #include "tradebook/SecurityLookup.h"
@@ -48,7 +49,8 @@ struct RunningTotals {
 // way in.
 class TradeBook final : public ITradeSink {
  public:
-    explicit TradeBook(IHost& host) : host_(host), securities_(host) {}
+    explicit TradeBook(IHost& host, const IClock& clock = SystemClock())
+        : host_(host), securities_(host, clock) {}
 
     // Loading: BeginLoad empties the book, Load takes the frames in file order (the first is the top row),
     // EndLoad gives identifiers to the trades that have none and shows the rows. Of two frames with one
@@ -68,6 +70,9 @@ class TradeBook final : public ITradeSink {
     // that nobody else holds, and is reported a second time too.
     std::int32_t AddFromHost(TradeRecord& record);
     std::uint32_t HolderOf(const TradeRecord& record) const override;
+    const SecurityMasterEntry* ContractOf(const TradeRecord& record) override {
+        return securities_.Find(record);
+    }
     // Puts `record` in the place of the trade, which keeps its identifier, looks up the contract when the
     // record has none, reports the trade and sets the changed flag. False: the trade was deleted.
     bool Edit(TradeItem item, TradeRecord record);
@@ -83,6 +88,12 @@ class TradeBook final : public ITradeSink {
     void EndBatch() override {
         if (observer_) observer_->BatchEnds();
     }
+
+    // Gives the trades of the book what they lack of their contract, without flag or report. The first fills
+    // texts that are empty from the contracts that are known; the second first asks the terminal anew for
+    // those that are not.
+    void FillFromContracts();
+    void FindContracts();
 
     // Reports every trade of the book in ascending order of its identifier.
     void ReportAll(ReportKind kind = {}) const;
@@ -112,11 +123,13 @@ class TradeBook final : public ITradeSink {
     void SetAnalysisOnly(bool on) { analysisOnly_ = on; }
     const RunningTotals& Totals() const { return totals_; }
     // What finds the terminal's entry of a trade's contract, for whoever reads stored trades.
-    ISecurityMaster& Securities() { return securities_; }
+    SecurityLookup& Securities() { return securities_; }
     void SetObserver(IBookObserver* observer) { observer_ = observer; }
 
  private:
     void FindSecurity(TradeRecord& record);
+    void TakeFromContract(TradeItem item, const SecurityMasterEntry& contract);
+    void ContractsTaken(std::span<const TradeItem> items);
     void AddTrade(TradeRecord& record, const DuplicateKey& key, bool secondReport);
     void NameNamelessTrades();
     std::int32_t NextIdentifier();
