@@ -25,7 +25,13 @@ void Entry::BookClosed() {
 }
 
 void Entry::Save() {
-    if (saver_) saver_->Save();
+    if (!saver_) return TellNothingSaved();
+    saver_->Save();
+}
+
+void Entry::TellNothingSaved() {
+    context_.user.Box("Dravel Save Failed\nThe book was not opened to its end.", "Dravel", Buttons::Ok,
+                      Icon::Warning);
 }
 
 void Entry::FinishSaves() {
@@ -33,7 +39,8 @@ void Entry::FinishSaves() {
 }
 
 void Entry::SaveNow() {
-    if (saver_) saver_->SaveAndWait();
+    if (!saver_) return TellNothingSaved();
+    saver_->SaveAndWait();
 }
 
 bool Entry::AskToSave() {

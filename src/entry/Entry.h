@@ -31,7 +31,8 @@ struct EntryContext {
     IImportReportView& reportView;
 };
 
-// User-interface thread. Between BookClosed and the next BookOpened every request does nothing.
+// User-interface thread. Between BookClosed and the next BookOpened every request does nothing, but a save
+// says that it failed.
 class Entry final : public IEntry {
  public:
     explicit Entry(const EntryContext& context) : context_(context) {}
@@ -55,6 +56,7 @@ class Entry final : public IEntry {
     bool Busy() const override { return importing_ || context_.reportView.Asking(); }
 
  private:
+    void TellNothingSaved();
     void TakeReport(std::unique_ptr<ImportReport> report);
 
     EntryContext context_;

@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "platform/Event.h"
+#include "tradebook/BookStatus.h"
 #include "tradebook/TradeBook.h"
 
 namespace Dravel {
@@ -69,9 +70,16 @@ void TradeSaver::Finish(Run& run) {
     if (std::exchange(again_, false)) Begin();
     if (result.ok) {
         user_.Notice("Dravel Save Successfully");
+        TellOfDrafts();
     } else {
         Fail(result.reason);
     }
+}
+
+// They are in no file of a book that was saved.
+void TradeSaver::TellOfDrafts() {
+    const std::uint32_t rows = parts_.rowsBeingTyped ? parts_.rowsBeingTyped() : 0;
+    if (rows != 0) user_.Notice(RowsBeingTyped(rows));
 }
 
 // The flag first: while the box is open, closing must already ask. A save that follows this one writes the

@@ -35,6 +35,7 @@ class TradeSaver {
 
     void Begin();
     void Finish(Run& run);
+    void TellOfDrafts();
     void Fail(std::string_view reason);
 
     BookParts parts_;

@@ -28,8 +28,8 @@ bool CDravelBar::OnCreate() {
     if (!grid_->Create(Window(), Content(), 0)) return false;
     LoadBook();
     MakeStatusLine();
-    context_.entry.BookOpened(
-        {book_, store_.get(), *this, context_.log, &context_, [this] { StatusStale(); }});
+    context_.entry.BookOpened({book_, store_.get(), *this, context_.log, &context_, [this] { StatusStale(); },
+                               [this] { return grid_->RowsBeingTyped(); }});
     return true;
 }
 
@@ -77,6 +77,7 @@ void CDravelBar::ShowStatus() {
                                     .selected = grid_->Selection().RowCount(),
                                     .bought = book_.Totals().bought,
                                     .sold = book_.Totals().sold,
+                                    .beingTyped = grid_->RowsBeingTyped(),
                                     .changed = book_.Changed(),
                                     .import = context_.entry.ImportSummary(),
                                     .notice = said});

@@ -60,6 +60,8 @@ class CDravelGrid final : public CVELTSGridCtrl,
     bool LeaveCheck();
     // What the user is to be told of the row that is being typed; empty: nothing.
     std::string EntryHint() const;
+    // Rows that are being typed, also over trades of the book.
+    std::uint32_t RowsBeingTyped() const { return drafts_.Count(); }
 
     // Trades that the filter lets pass, and all.
     std::uint32_t ShownTrades() const { return rows_.ShownTrades(); }

@@ -34,6 +34,7 @@ struct BookParts {
     ILog& log;
     const BarContext* bar;                   // nullptr: no bar shows the book
     std::function<void()> importEnded = {};  // another ImportSummary is to be shown
+    std::function<std::uint32_t()> rowsBeingTyped = {};
 };
 
 // User-interface thread throughout.

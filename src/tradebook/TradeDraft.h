@@ -94,6 +94,7 @@ class DraftSheet {
         }
     }
     bool Empty() const { return fresh_.empty() && over_.empty(); }
+    std::uint32_t Count() const { return static_cast<std::uint32_t>(fresh_.size() + over_.size()); }
 
  private:
     using Drafts = std::vector<std::unique_ptr<TradeDraft>>;
