@@ -55,8 +55,9 @@ void Entry::Choices(const TradeDraft& draft, int column, std::string_view typed,
     if (typing_) typing_->Choices(draft, column, typed, choices);
 }
 
-EditEnd Entry::EndEdit(TradeDraft& draft, int column, std::string_view text, IDraftView& view) {
-    return typing_ ? typing_->EndEdit(draft, column, text, view) : EditEnd::Refused;
+EditEnd Entry::EndEdit(TradeDraft& draft, int column, std::string_view text, EditEnding ending,
+                       IDraftView& view) {
+    return typing_ ? typing_->EndEdit(draft, column, text, ending, view) : EditEnd::Refused;
 }
 
 int Entry::NextColumn(const TradeDraft& draft, int column) const {

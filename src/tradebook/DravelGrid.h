@@ -112,17 +112,17 @@ class CDravelGrid final : public CVELTSGridCtrl,
     void OnEditChoices(std::uint32_t row, int column, std::string_view typed,
                        std::vector<std::string>& choices) override;
     bool OnEndEdit(std::uint32_t row, int column, const std::string& text) override;
-    void OnCancelEdit(std::uint32_t, int) override { SetRefusal({}); }
+    void OnCancelEdit(std::uint32_t, int) override { Say({}); }
     Dravel::GridNext OnNextCell(Dravel::GridEditMove move, std::uint32_t& row, int& column) override;
     const Dravel::TradeDraft* DraftAt(std::uint32_t row) const;  // nullptr: nobody types there
     std::uint32_t RowOf(const Dravel::TradeDraft& draft) const;
     void AddDraft();
     void RemoveDraft(const Dravel::TradeDraft& draft);
     void EndOpenEdit();
-    void SetRefusal(std::string refusal);
 
     void ShowColumn(int column) override;
     void DraftChanged(const Dravel::TradeDraft& draft) override;
+    void Say(std::string sentence) override;
     void DraftEntered(Dravel::TradeDraft& draft, Dravel::TradeItem item) override;
     void GoTo(std::uint32_t draftID, int column) override;
     bool Holds(std::uint32_t draftID) const override;
@@ -196,7 +196,9 @@ class CDravelGrid final : public CVELTSGridCtrl,
     Dravel::TradeItem selectedAtFirst_ = Dravel::kNoItem;  // when the first row was added
     std::function<void()> statusListener_;
     Dravel::PriceDivisors divisors_;
-    std::string refusal_;     // of the text that was typed last
+    std::string said_;        // about the text that was typed last
+    bool saidStays_ = false;  // also when another cell opens: nobody looked at the status line yet
+    std::string askedAbout_;  // the text of the open cell that would be taken only in part
     bool committed_ = false;  // the last edit brought its row into the book
     bool spoken_ = false;     // validation spoke at the end of the last edit
 };

@@ -76,7 +76,8 @@ bool CDravelGrid::OnBeginEdit(std::uint32_t row, int column, std::string&, GridE
     if (!HasCells(row)) return false;
     if (!kTradeColumns[static_cast<std::size_t>(column)].editable) return false;
     kind = HasChoices(column) ? GridEditKind::Choice : GridEditKind::Text;
-    SetRefusal({});
+    askedAbout_.clear();
+    if (!saidStays_) Say({});
     return true;
 }
 
@@ -94,18 +95,26 @@ bool CDravelGrid::OnEndEdit(std::uint32_t row, int column, const std::string& te
     const TradeItem item = ItemAt(row);
     TradeDraft& draft = fresh ? drafts_.NewAt(row) : drafts_.LayOver(item);
     const std::uint32_t id = draft.id;
-    const EditEnd end = entry_.EndEdit(draft, column, text, *this);
+    const EditEnding ending = !EditEndsByKey()      ? EditEnding::Left
+                              : text == askedAbout_ ? EditEnding::KeyAgain
+                                                    : EditEnding::Key;
+    askedAbout_.clear();
+    Say({});
+    const EditEnd end = entry_.EndEdit(draft, column, text, ending, *this);
     committed_ = end == EditEnd::Committed;
     spoken_ = end == EditEnd::Spoken;
     // A draft in which nothing was set is none.
     if (const TradeDraft* const left = drafts_.Find(id); left && !left->New() && left->set.none())
         RemoveDraft(*left);
-    SetRefusal(end == EditEnd::Refused ? '"' + text + "\" is not one of the choices" : std::string());
-    return end != EditEnd::Refused;
+    if (end == EditEnd::Refused && said_.empty()) Say('"' + text + "\" is not one of the choices");
+    if (end == EditEnd::Asked) askedAbout_ = text;
+    saidStays_ = end == EditEnd::GivenBack;
+    return end != EditEnd::Refused && end != EditEnd::Asked;
 }
 
-void CDravelGrid::SetRefusal(std::string refusal) {
-    refusal_ = std::move(refusal);
+void CDravelGrid::Say(std::string sentence) {
+    said_ = std::move(sentence);
+    saidStays_ = false;
     StatusStale();
 }
 
@@ -133,7 +142,7 @@ bool CDravelGrid::OnKeyUp(std::uint32_t key, bool pressed) {
 }
 
 std::string CDravelGrid::EntryHint() const {
-    if (!refusal_.empty()) return refusal_;
+    if (!said_.empty()) return said_;
     const TradeDraft* const draft = DraftAt(CurrentRow());
     return draft ? entry_.Missing(*draft) : std::string();
 }

@@ -18,10 +18,19 @@ namespace Dravel {
 class BookFile;
 struct BarContext;
 
+// How the user ends the edit of a cell.
+enum class EditEnding : std::uint8_t {
+    Key,       // Enter, Tab, an arrow
+    KeyAgain,  // the same with the text that was asked about just before
+    Left,      // the keyboard goes elsewhere, a command, the leave check
+};
+
 // How the end of a cell's edit went.
 enum class EditEnd : std::uint8_t {
     Kept,       // the text stands in the draft
     Refused,    // it is none of the terminal's choices: the cell says what it said before
+    Asked,      // it would be taken only in part: the user is asked to end the edit again
+    GivenBack,  // it would be, and the user left: the cell says what it said before
     Committed,  // the row entered the book; the draft is gone
     Spoken,     // the text stands there, and the user was told what is wrong with the row
 };
@@ -60,7 +69,8 @@ class IEntry {
     virtual void Choices(const TradeDraft& draft, int column, std::string_view typed,
                          std::vector<std::string>& choices) = 0;
     // The user ended the edit of a cell with this text.
-    virtual EditEnd EndEdit(TradeDraft& draft, int column, std::string_view text, IDraftView& view) = 0;
+    virtual EditEnd EndEdit(TradeDraft& draft, int column, std::string_view text, EditEnding ending,
+                            IDraftView& view) = 0;
     // Where Enter goes from a cell: the next one that is to be filled; -1: the row lacks nothing.
     virtual int NextColumn(const TradeDraft& draft, int column) const = 0;
     // What a row still lacks, for the status line; empty: nothing.

@@ -116,6 +116,8 @@ class IDraftView {
     virtual void DraftChanged(const TradeDraft& draft) = 0;
     // The draft became the trade `item` of the book, or one that it changed. The draft is removed.
     virtual void DraftEntered(TradeDraft& draft, TradeItem item) = 0;
+    // Puts a sentence about the cell that is being ended into the status line.
+    virtual void Say(std::string sentence) = 0;
     // Makes the cell the current one and takes the keyboard. Nothing when the draft is gone by now.
     virtual void GoTo(std::uint32_t draftID, int column) = 0;
     // False: the row, or the window that shows it, went while the terminal or the user was asked.

@@ -19,8 +19,8 @@ class GridEditor {
     // Over the current cell. `typed`: the character that opened it, in place of the cell's text; 0: none.
     // False: the cell is not to be edited.
     bool Open(wchar_t typed);
-    // False: the owner refused the text, the editor stays.
-    bool Close(bool commit);
+    // False: the owner refused the text, the editor stays. `byKey`: the user ends it by a key of the editor.
+    bool Close(bool commit, bool byKey = false);
     // The window goes, and nobody is asked or told.
     void Drop();
     void Layout();  // after the view moved
@@ -31,6 +31,7 @@ class GridEditor {
     // Where the button stands, empty without one.
     Dravel::Rect Button() const;
     void Refocus();
+    bool EndsByKey() const { return byKey_; }
 
  private:
     static LRESULT CALLBACK Procedure(HWND window, UINT message, WPARAM wparam, LPARAM lparam, UINT_PTR id,
@@ -59,4 +60,5 @@ class GridEditor {
     bool erasing_ = false;  // the last key took something away: no type-ahead
     bool writing_ = false;  // a text that the editor itself sets
     bool closing_ = false;
+    bool byKey_ = false;  // the end that the owner is asked about
 };
