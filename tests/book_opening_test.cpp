@@ -418,7 +418,7 @@ TEST(BookGateTest, EntryRefusesAndASaveSaysSo) {
                   (std::vector<std::string>{failed, failed, "Dravel|Do you want to save Dravel", failed}));
     };
     saves("The book is closed.");
-    entry.BookOpened({book, nullptr, ui, log, nullptr, {}, &gate});
+    entry.BookOpened({book, nullptr, ui, log, nullptr, {}, {}, &gate});
     saves("not now");
     EXPECT_FALSE(book.Changed()) << "a save that never began changes nothing";
     entry.Import(nullptr, "in.csv");  // there is no dialog to be opened

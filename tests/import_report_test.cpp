@@ -69,6 +69,29 @@ TEST_F(Reports, LinesThatCameInWithADoubt) {
     EXPECT_EQ(run->Report().Overview(), "7 of 7 lines imported, 6 of them with a doubt; 0 left out.");
 }
 
+TEST_F(Reports, AContractThatOnlyItsIdentifierNamesIsTakenWholeAndDoubtful) {
+    host.hasMaster = true;
+    host.Know({"XNSE", "EQ", "IND", ""});
+    SecurityMasterEntry& entry = host.Identify("XNSE", "900");
+    SetText(entry.securityType, "FUTIDX"), SetText(entry.symbol, "BNK12");
+    SetText(entry.expiryText, "26Mar2026");
+    book.contracts["900"] = &entry;
+    EXPECT_TRUE(
+        Import("clientid,exchangetradeid,exchange,securitytype,symbol,securityid\n"
+               "C1,1,XNSE,Futures,Bank,900\n"
+               "C1,2,XNSE,EQ,IND,900\n"
+               "C1,3,XNSE,EQ,GONE,901\n"
+               "C1,4,XNSE,,,900\n"));
+    EXPECT_EQ(Listed(),
+              (Strings{"2 imported: contract found by its SecurityID alone", "4 imported: contract not found",
+                       "5 imported: contract found by its SecurityID alone"}));
+    std::string own;
+    for (const TradeRecord& trade : book.trades)
+        own.append(TextOf(trade.symbol)).append(TextOf(trade.expiryDate)) += ' ';
+    EXPECT_EQ(own, "BNK1226Mar2026 IND GONE BNK1226Mar2026 ");
+    EXPECT_EQ(run->Counts().unknownContracts, 1u);
+}
+
 TEST_F(Reports, DoubtfulDefaultsCountWhereNoCellReplacesThem) {
     mapping.columns[column::ClientID].field = "clientid";
     mapping.columns[column::Quantity] = {"quantity", "many", ""};

@@ -83,6 +83,20 @@ TEST_F(ThreadsSaveTest, SavingClearsTheFlagAndSaysSoWhenTheBytesAreThere) {
     EXPECT_EQ(OnDisk(), 3u);
 }
 
+TEST_F(ThreadsSaveTest, ASaveSaysThatRowsAreStillBeingTyped) {
+    parts.store = rig.file.get();
+    std::uint32_t rows = 1;
+    parts.rowsBeingTyped = [&] { return rows; };
+    TradeSaver saver(parts, user);
+    Add(1);
+    saver.SaveAndWait();
+    rows = 0;
+    saver.SaveAndWait();
+    EXPECT_EQ(user.notices,
+              (std::vector<std::string>{"Dravel Save Successfully", "1 row is still being typed",
+                                        "Dravel Save Successfully"}));
+}
+
 TEST_F(ThreadsSaveTest, AFullDiskKeepsTheOldBookTellsTheUserAndSetsTheFlagAgain) {
     parts.store = rig.file.get();
     TradeSaver saver(parts, user);

@@ -35,7 +35,10 @@ std::string NameOf(const std::filesystem::path& path) try {
 }  // namespace
 
 CsvImport::CsvImport(const ImportPorts& ports, const ImportMapping& mapping)
-    : ports_(ports), plan_(mapping, ports.clock), hasHeader_(mapping.header), contracts_(ports.host) {}
+    : ports_(ports),
+      plan_(mapping, ports.clock),
+      hasHeader_(mapping.header),
+      contracts_(ports.host, ports.book) {}
 
 void CsvImport::Tell(std::string_view text, Icon icon) {
     ports_.user.Box(text, kTitle, Buttons::Ok, icon);
@@ -188,7 +191,9 @@ void CsvImport::MakeRecord(std::string_view line, std::string_view raw) {
         if (count != inHeader) doubts_.bits |= doubt::CellCount;
     }
     if (raw.find('"') != std::string_view::npos) doubts_.bits |= doubt::Quote;
-    if (!contracts_.Resolve(record_) && ports_.host.HasSecurityMaster()) doubts_.bits |= doubt::NoContract;
+    const ContractFound found = contracts_.Resolve(record_);
+    if (found == ContractFound::ByIdentifier) doubts_.bits |= doubt::ByIdentifier;
+    if (found == ContractFound::No && ports_.host.HasSecurityMaster()) doubts_.bits |= doubt::NoContract;
 }
 
 void CsvImport::SkipDuplicate(std::uint64_t number, std::string_view raw, std::uint32_t holder) {

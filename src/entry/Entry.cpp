@@ -15,6 +15,10 @@ void Entry::BookOpened(const BookParts& parts) {
     context_.clients.Load();
 }
 
+void Entry::JournalOpened() {
+    if (saver_) saver_->StartJournal();
+}
+
 void Entry::BookClosed() {
     EndImport();
     context_.reportView.Close();
@@ -53,7 +57,8 @@ bool Entry::SaveNow() {
 AskEnd Entry::AskToSave() {
     const std::uint32_t answer =
         context_.user.Box("Do you want to save Dravel", "Dravel", Buttons::YesNoCancel, Icon::Warning);
-    if (answer != kAnswerYes) return AskEnd::NotWanted;
+    if (answer == kAnswerNo || answer == kAnswerCancel) return AskEnd::NotWanted;
+    if (answer != kAnswerYes) return AskEnd::Unanswered;
     return SaveNow() ? AskEnd::Saved : AskEnd::Failed;
 }
 
@@ -62,8 +67,10 @@ void Entry::Choices(const TradeDraft& draft, int column, std::string_view typed,
     if (typing_) typing_->Choices(draft, column, typed, choices);
 }
 
-EditEnd Entry::EndEdit(TradeDraft& draft, int column, std::string_view text, IDraftView& view) {
-    return typing_ && Refusal().empty() ? typing_->EndEdit(draft, column, text, view) : EditEnd::Refused;
+EditEnd Entry::EndEdit(TradeDraft& draft, int column, std::string_view text, EditEnding ending,
+                       IDraftView& view) {
+    return typing_ && Refusal().empty() ? typing_->EndEdit(draft, column, text, ending, view)
+                                        : EditEnd::Refused;
 }
 
 int Entry::NextColumn(const TradeDraft& draft, int column) const {
@@ -94,6 +101,7 @@ void Entry::Import(void* owner, const std::filesystem::path& file) {
             entry.importing_ = false;
         }
     } const open(*this);
+    parts_->book.Securities().AskAgain();
     context_.importDialog(
         owner,
         {context_.files, context_.host, context_.user, context_.clock, parts_->book, context_.clients,
@@ -104,7 +112,7 @@ void Entry::Import(void* owner, const std::filesystem::path& file) {
 void Entry::TakeReport(std::unique_ptr<ImportReport> report) {
     report_ = std::move(report);
     context_.reportView.Renew(report_);
-    if (parts_ && parts_->importEnded) parts_->importEnded();
+    if (parts_ && parts_->statusStale) parts_->statusStale();
 }
 
 void Entry::ShowImportReport(void* owner) {

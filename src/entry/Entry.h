@@ -38,6 +38,7 @@ class Entry final : public IEntry {
     explicit Entry(const EntryContext& context) : context_(context) {}
 
     void BookOpened(const BookParts& parts) override;
+    void JournalOpened() override;
     void BookClosed() override;
     void Save() override;
     AskEnd AskToSave() override;
@@ -47,7 +48,8 @@ class Entry final : public IEntry {
     void Import(void* owner, const std::filesystem::path& file) override;
     void Choices(const TradeDraft& draft, int column, std::string_view typed,
                  std::vector<std::string>& choices) override;
-    EditEnd EndEdit(TradeDraft& draft, int column, std::string_view text, IDraftView& view) override;
+    EditEnd EndEdit(TradeDraft& draft, int column, std::string_view text, EditEnding ending,
+                    IDraftView& view) override;
     int NextColumn(const TradeDraft& draft, int column) const override;
     std::string Missing(const TradeDraft& draft) const override;
     void Delete(IDraftView& view) override;

@@ -23,6 +23,7 @@ constexpr DoubtText kDoubtTexts[] = {
     {doubt::Number, "a number that does not read"},
     {doubt::ExpiryDate, "an expiry date that does not read"},
     {doubt::NoContract, "contract not found"},
+    {doubt::ByIdentifier, "contract found by its SecurityID alone"},
 };
 
 std::string DoubtsInWords(const Doubts& doubts) {

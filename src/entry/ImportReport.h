@@ -26,7 +26,14 @@ enum class LineOutcome : std::uint8_t {
 
 // Why a line that came in is to be looked at.
 namespace doubt {
-enum Bit : std::uint8_t { CellCount = 1, Quote = 2, Number = 4, ExpiryDate = 8, NoContract = 16 };
+enum Bit : std::uint8_t {
+    CellCount = 1,
+    Quote = 2,
+    Number = 4,
+    ExpiryDate = 8,
+    NoContract = 16,
+    ByIdentifier = 32,  // the contract is that of the SecurityID, whatever the names say
+};
 }
 
 struct Doubts {

@@ -25,6 +25,8 @@ class TradeSaver {
     TradeSaver(const TradeSaver&) = delete;
     TradeSaver& operator=(const TradeSaver&) = delete;
 
+    // Has the writer thread carry out what the journal is told.
+    void StartJournal();
     // Clears the changed flag and begins. The result comes as the notice "Dravel Save Successfully", or as a
     // box that says why not, with the changed flag set again. Another box tells when the save replaced what
     // another program had written.
@@ -37,14 +39,17 @@ class TradeSaver {
  private:
     struct Run;  // a save on its way, shared with the writer thread
 
+    KRV::Base::CKRVADAWriteAsync& Writer();
+    void MarkJournal();
     void Begin();
     void Finish(Run& run);
     void TellOfOutsideChange(std::string_view backup);
+    void TellOfDrafts();
     void Fail(std::string_view reason);
 
     BookParts parts_;
     IUser& user_;
-    std::unique_ptr<KRV::Base::CKRVADAWriteAsync> writer_;  // from the first save on
+    std::unique_ptr<KRV::Base::CKRVADAWriteAsync> writer_;  // from the first save or change on
     std::shared_ptr<Run> running_;
     std::shared_ptr<ImageMemory> imageMemory_ = std::make_shared<ImageMemory>();
     bool again_ = false;

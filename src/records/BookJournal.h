@@ -82,7 +82,7 @@ class BookJournal final : public IChangeRecorder, public ISaveWatch, public KRV:
     std::uint64_t due_ = 0;   // of the clock's ticks, when `waits_`
     bool waits_ = false;
     bool taking_ = false;
-    bool moved_ = false;         // rows, since the last mark
+    bool moved_ = false;   // rows, since the last mark
     bool closed_ = false;  // what comes is dropped until the next mark
     bool lost_ = false;    // something was dropped that Pull has not heard of
     FileStatus failure_;   // of the last try to write

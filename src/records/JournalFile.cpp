@@ -61,6 +61,8 @@ FileStatus JournalFile::Open(const FileSum& book, const std::function<void(const
                              JournalOpening& opening) {
     opening = {};
     book_ = book;
+    file_.reset();
+    exists_ = false;
     std::unique_ptr<IFile> file, beside;
     JournalScan scan, besideScan;
     if (const FileStatus status = Look(path_, book, file, scan); !status) return status;
@@ -260,8 +262,7 @@ FileStatus JournalFile::LayBeside(JournalBuffer& unwritten, bool gap) {
 // What the file has behind the last mark; nothing when that is still in memory.
 FileStatus JournalFile::ReadBehindMark(JournalBuffer& unwritten, JournalBuffer& behind) {
     bool markWaits = false;
-    unwritten.ForEach(
-        [&](std::span<std::uint8_t> frame) { markWaits |= CodeOf(frame) == msg::JournalMark; });
+    unwritten.ForEach([&](std::span<std::uint8_t> frame) { markWaits |= CodeOf(frame) == msg::JournalMark; });
     if (markWaits || afterMark_ == 0 || !file_) return {};
     JournalWalk walk(*file_, afterMark_);
     while (walk.Offset() < length_) {

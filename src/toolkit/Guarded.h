@@ -3,15 +3,17 @@
 
 #include <exception>
 
+#include "platform/FloatingPoint.h"
 #include "support/OuterCall.h"
 #include "toolkit/Module.h"
 
 namespace Dravel {
 
-// Runs `work` and gives its result; when it throws, that is told to the failure log under the name `where`,
-// and the result is `failed`.
+// Runs `work` under our own floating point state and gives its result; when it throws, that is told to the
+// failure log under the name `where`, and the result is `failed`.
 template <class Result, class Work>
 Result Shielded(const char* where, Result failed, const Work& work) noexcept {
+    const FloatingPointScope ours;
     try {
         return work();
     } catch (const std::exception& failure) {

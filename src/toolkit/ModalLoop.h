@@ -4,6 +4,7 @@
 #include <cstdint>
 
 #include "platform/Clock.h"
+#include "platform/FloatingPoint.h"
 #include "toolkit/ActivationContext.h"
 
 namespace Dravel {
@@ -28,6 +29,7 @@ class ModalLoop {
  private:
     static inline int open_ = 0;
     static inline std::uint64_t endedAt_ = 0;
+    FloatingPointScope whateverItLeaves_;  // the terminal's windows live meanwhile
     ActivationScope controls_;
 };
 

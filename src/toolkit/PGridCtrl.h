@@ -122,6 +122,9 @@ class CKRVPGridCtrl {
     bool EditCell(std::uint32_t row, int column);
     // False: the owner refused the text, the editor stays open. True without an editor.
     bool EndEdit(bool commit);
+    // Within OnEndEdit: the user ends the edit by a key of the editor. False: it is left in another way (the
+    // keyboard goes elsewhere, a command, EndEdit).
+    bool EditEndsByKey() const;
     bool Editing() const;
 
     // Look.

@@ -98,9 +98,10 @@ void GridEditor::Drop() {
     grid_.Redraw();
 }
 
-bool GridEditor::Close(bool commit) {
+bool GridEditor::Close(bool commit, bool byKey) {
     if (!Active()) return true;
     if (closing_) return false;  // the owner is being asked
+    byKey_ = byKey;
     const HWND window = static_cast<HWND>(grid_.Window());
     list_.Close();
     closing_ = true;
@@ -343,7 +344,7 @@ bool GridEditor::ListKey(WPARAM key) {
 // done with. The current cell stays on its row when rows come while the text is taken, a number would not.
 bool GridEditor::Leave(GridEditMove move) {
     const HWND window = static_cast<HWND>(grid_.Window());
-    if (!Close(true) || !IsWindow(window)) return true;
+    if (!Close(true, true) || !IsWindow(window)) return true;
     std::uint32_t row = grid_.CurrentRow();
     int column = grid_.CurrentColumn();
     const GridNext next = grid_.OnNextCell(move, row, column);

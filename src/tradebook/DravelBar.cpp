@@ -12,10 +12,11 @@ using namespace Dravel;
 namespace {
 
 constexpr std::uint32_t kStatusLine = 1;  // its identifier among the bar's children
-constexpr char kPlaceKey[] = "Bar";       // of the bar's place in the settings
+constexpr char kBookName[] = "DravelBook_Dravel";
+constexpr char kPlaceKey[] = "Bar";  // of the bar's place in the settings
 
 KRV::Base::RecordFilePlace PlaceOfBook(const DataFolder& folder) {
-    return {.folder = folder.Data(), .backups = folder.Data() / "Backup", .name = "DravelBook_Dravel"};
+    return {.folder = folder.Data(), .backups = folder.Data() / "Backup", .name = kBookName};
 }
 
 }  // namespace
@@ -26,6 +27,7 @@ CDravelBar::CDravelBar(const BarContext& context, Callbacks callbacks)
       callbacks_(std::move(callbacks)),
       book_(context.host),
       store_(context.files, context.clock, context.log, PlaceOfBook(context.folder), &book_.Securities()),
+      journal_(context.files, context.clock, context.log, context.folder.Data(), kBookName),
       opening_({store_, book_, context.files, context.user, context.log, *this}) {}
 
 CDravelBar::~CDravelBar() {
@@ -37,10 +39,15 @@ bool CDravelBar::OnCreate() {
     grid_ = std::make_unique<CDravelGrid>(context_, book_, opening_);
     if (!grid_->Create(Window(), Content(), 0)) return false;
     MakeStatusLine();
-    context_.entry.BookOpened(
-        {book_, &store_, *this, context_.log, &context_, [this] { StatusStale(); }, &opening_});
+    context_.entry.BookOpened({book_, &store_, *this, context_.log, &context_, [this] { StatusStale(); },
+                               [this] { return grid_->RowsBeingTyped(); }, &opening_, &journal_,
+                               [this] { grid_->DraftsToJournal(); }});
     KeepTrying(true);
     return true;
+}
+
+void CDravelBar::TellDamage(const KRV::VELT::TradeLoadReport& report) {
+    TellOfDamage(context_.user, *this, report, book_);
 }
 
 bool CDravelBar::ReportBook() {
@@ -74,6 +81,9 @@ void CDravelBar::StatusStale() {
 
 void CDravelBar::ShowStatus() {
     std::string said = grid_->EntryHint();
+    const std::string warning = journal_.Warning();
+    if (std::exchange(warned_, warning) != warning && !warning.empty()) context_.user.Notice(warning);
+    if (said.empty()) said = warning;
     if (const auto& notices = context_.notices.All(); said.empty() && !notices.empty())
         said = notices.back().text;
     const auto texts = StatusTexts({.shown = grid_->ShownTrades(),
@@ -81,6 +91,7 @@ void CDravelBar::ShowStatus() {
                                     .selected = grid_->Selection().RowCount(),
                                     .bought = book_.Totals().bought,
                                     .sold = book_.Totals().sold,
+                                    .beingTyped = grid_->RowsBeingTyped(),
                                     .changed = book_.Changed(),
                                     .state = opening_.Status(),
                                     .known = opening_.RowsKnown(),
@@ -143,7 +154,9 @@ bool CDravelBar::OnFrameClose() {
     if (!HasUnsaved()) return true;
     askedAt_ = book_.Revision();
     const FileSum saved = store_.Sum();
-    if (context_.entry.AskToSave() != AskEnd::Failed || stayedAt_ == saved || !Window()) return true;
+    const AskEnd answer = context_.entry.AskToSave();
+    if (answer == AskEnd::NotWanted) discardedAt_ = journal_.Told();
+    if (answer != AskEnd::Failed || stayedAt_ == saved || !Window()) return true;
     stayedAt_ = saved;
     askedAt_ = kNotAsked;
     return false;
@@ -163,9 +176,12 @@ void CDravelBar::OnEndSession(bool ending) {
 void CDravelBar::OnDestroy() {
     opening_.Stop();
     context_.entry.EndImport();
-    if (HasUnsaved() && askedAt_ != book_.Revision()) context_.entry.AskToSave();
+    if (HasUnsaved() && askedAt_ != book_.Revision()) {
+        if (context_.entry.AskToSave() == AskEnd::NotWanted) discardedAt_ = journal_.Told();
+    }
     KeepLayout();
     context_.entry.BookClosed();
+    EndJournal();
     context_.notices.SetListener({});
     if (grid_) grid_->SetStatusListener({});
     CVELTSDockingControlBar::OnDestroy();

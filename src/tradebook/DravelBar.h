@@ -6,6 +6,7 @@
 #include <string_view>
 
 #include "records/BookFile.h"
+#include "records/BookJournal.h"
 #include "toolkit/EscapeRule.h"
 #include "toolkit/StatusLine.h"
 #include "tradebook/BarContext.h"
@@ -65,12 +66,15 @@ class CDravelBar final : public CVELTSDockingControlBar, private Dravel::IOpenin
     void OnNcDestroy() override;
 
     // The steps of the opening.
-    void RestoreChanges() override {}
+    void TellDamage(const KRV::VELT::TradeLoadReport& report) override;
+    Dravel::FileStatus RestoreChanges() override;
     void ShowLook() override { grid_->LoadLook(Dravel::kGridKey); }
     bool ReportBook() override;
     void EnterWaiting() override { callbacks_.enterWaiting(); }
     void OpeningChanged() override;
 
+    void EndJournal();
+    void TellOfJournal(const Dravel::JournalOpening& opening, std::uint64_t changes);
     void KeepTrying(bool on);
     void HideAndTell();
     bool Occupied() const;
@@ -85,6 +89,7 @@ class CDravelBar final : public CVELTSDockingControlBar, private Dravel::IOpenin
     Callbacks callbacks_;
     Dravel::TradeBook book_;
     Dravel::BookFile store_;
+    Dravel::BookJournal journal_;
     Dravel::BookOpening opening_;
     std::unique_ptr<CDravelGrid> grid_;
     Dravel::StatusLine status_;
@@ -93,6 +98,10 @@ class CDravelBar final : public CVELTSDockingControlBar, private Dravel::IOpenin
     // The book's revision when its frame's closing was asked about.
     static constexpr std::uint64_t kNotAsked = 0;
     std::uint64_t askedAt_ = kNotAsked;
+    bool journalOpen_ = false;
+    // What the journal had been told when the user would not save at the terminal's end.
+    std::optional<std::uint64_t> discardedAt_;
+    std::string warned_;  // of unsaved work that is not protected
     // What was saved when the frame stayed open because a save at its closing failed.
     std::optional<Dravel::FileSum> stayedAt_;
 };

@@ -127,19 +127,19 @@ void CDravelGrid::OnHeaderMenu(int, GridMenu& menu) {
 
 bool CDravelGrid::Refused(BookNeed need) {
     if (Meets(gate_, need)) return false;
-    SetRefusal(gate_.Refusal());
+    Say(gate_.Refusal());
     gateRefused_ = true;
     return true;
 }
 
 void CDravelGrid::GateChanged() {
-    if (gateRefused_) SetRefusal({});
+    if (gateRefused_) Say({});
     Redraw();
 }
 
 // Whoever goes elsewhere has read why.
 void CDravelGrid::OnSelectionChanged() {
-    if (gateRefused_) SetRefusal({});
+    if (gateRefused_) Say({});
     StatusStale();
 }
 

@@ -2,8 +2,10 @@
 #pragma once
 
 #include <functional>
+#include <map>
 #include <string>
 
+#include "records/BookJournal.h"
 #include "toolkit/PropertyListCtrl.h"
 #include "tradebook/BarContext.h"
 #include "tradebook/BookGate.h"
@@ -57,6 +59,15 @@ class CDravelGrid final : public CVELTSGridCtrl,
     bool LeaveCheck();
     // What the user is to be told of the row that is being typed; empty: nothing.
     std::string EntryHint() const;
+    // Rows that are being typed, also over trades of the book.
+    std::uint32_t RowsBeingTyped() const { return drafts_.Count(); }
+
+    // The rows being typed of an earlier run; those that stand there go.
+    void RestoreDrafts(const std::map<std::uint32_t, Dravel::DraftTexts>& drafts, std::uint32_t lastID);
+    // Who is told of rows being typed; nullptr: nobody.
+    void SetJournal(Dravel::BookJournal* journal) { journal_ = journal; }
+    // Tells it all of them.
+    void DraftsToJournal() const;
 
     // What the gate says is another thing now.
     void GateChanged();
@@ -110,19 +121,19 @@ class CDravelGrid final : public CVELTSGridCtrl,
     void OnEditChoices(std::uint32_t row, int column, std::string_view typed,
                        std::vector<std::string>& choices) override;
     bool OnEndEdit(std::uint32_t row, int column, const std::string& text) override;
-    void OnCancelEdit(std::uint32_t, int) override { SetRefusal({}); }
+    void OnCancelEdit(std::uint32_t, int) override { Say({}); }
     Dravel::GridNext OnNextCell(Dravel::GridEditMove move, std::uint32_t& row, int& column) override;
     const Dravel::TradeDraft* DraftAt(std::uint32_t row) const;  // nullptr: nobody types there
     std::uint32_t RowOf(const Dravel::TradeDraft& draft) const;
     void AddDraft();
     void RemoveDraft(const Dravel::TradeDraft& draft);
     void EndOpenEdit();
-    void SetRefusal(std::string refusal);
     // True: the book is not to be had for that now, and the status line says why.
     bool Refused(Dravel::BookNeed need);
 
     void ShowColumn(int column) override;
     void DraftChanged(const Dravel::TradeDraft& draft) override;
+    void Say(std::string sentence) override;
     void DraftEntered(Dravel::TradeDraft& draft, Dravel::TradeItem item) override;
     void GoTo(std::uint32_t draftID, int column) override;
     bool Holds(std::uint32_t draftID) const override;
@@ -191,14 +202,17 @@ class CDravelGrid final : public CVELTSGridCtrl,
     CVELTPXMLSettings& settings_;
     Dravel::GridProperties properties_;
     Dravel::DraftSheet drafts_;
+    Dravel::BookJournal* journal_ = nullptr;
     Dravel::TradeRows rows_{book_, *this};
     int batches_ = 0;  // that run: the status line waits for their end
     bool firstRowAdded_ = false;
     Dravel::TradeItem selectedAtFirst_ = Dravel::kNoItem;  // when the first row was added
     std::function<void()> statusListener_;
     Dravel::PriceDivisors divisors_;
-    std::string refusal_;       // of the text that was typed last, or of what the gate let not pass
-    bool gateRefused_ = false;  // it is the gate's
+    std::string said_;          // about the text that was typed last
+    bool saidStays_ = false;    // also when another cell opens: nobody looked at the status line yet
+    std::string askedAbout_;    // the text of the open cell that would be taken only in part
     bool committed_ = false;    // the last edit brought its row into the book
     bool spoken_ = false;       // validation spoke at the end of the last edit
+    bool gateRefused_ = false;  // what was said is the refusal of the gate
 };

@@ -4,6 +4,7 @@
 #include <cstring>
 
 #include "records/CodeTables.h"
+#include "tradebook/TradeColumns.h"
 
 namespace Dravel {
 
@@ -25,6 +26,7 @@ void TradeBook::BeginLoad() {
     totals_ = {};
     counter_ = 0;
     renumbered_.clear();
+    lowestFree_ = 1;
     SetChanged(false);
     if (shown && observer_) observer_->RowsReset();
 }
@@ -78,19 +80,20 @@ void TradeBook::NameNamelessTrades() {
 }
 
 // The next value of the counter. When a stored trade had the largest identifier there is no next one: then
-// the lowest that is free, because a trade must never be turned away.
+// the lowest that is free, because a trade must never be turned away. None becomes free again, so the search
+// goes on where the last one ended.
 std::int32_t TradeBook::NextIdentifier() {
     if (counter_ < kLargestIdentifier) return static_cast<std::int32_t>(++counter_);
-    std::int32_t identifier = 1;
-    while (trades_.Contains(identifier))
-        ++identifier;
-    return identifier;
+    while (trades_.Contains(lowestFree_))
+        ++lowestFree_;
+    return lowestFree_;
 }
 
 // The terminal may hand over trades while it is asked, so this comes before anything is decided by what the
 // book holds.
 void TradeBook::FindSecurity(TradeRecord& record) {
     if (!record.security) record.security = securities_.Find(record);
+    if (record.security) FillContract(record, *record.security);
 }
 
 std::int32_t TradeBook::Add(TradeRecord& record) {
@@ -115,6 +118,7 @@ std::int32_t TradeBook::AddFromHost(TradeRecord& record) {
     if (!HasIdentifier(record) || trades_.Contains(IdentifierOf(record))) {
         record.veltTradeID = static_cast<std::uint32_t>(NextIdentifier());
     }
+    if (record.veltOrderID == 0) record.veltOrderID = record.veltTradeID;
     counter_ = std::max(counter_, std::uint32_t{record.veltTradeID});
     AddTrade(record, DuplicateKey(record), true, {ChangeKind::Terminal, {}, 0});
     return IdentifierOf(record);

@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "host/Host.h"
+#include "platform/Clock.h"
 #include "records/ChangeRecorder.h"
 #include "tradebook/BookPort.h"
 #include "tradebook/DuplicateKeys.h"
@@ -56,7 +57,8 @@ struct RunningTotals {
 // way in.
 class TradeBook final : public ITradeSink {
  public:
-    explicit TradeBook(IHost& host) : host_(host), securities_(host) {}
+    explicit TradeBook(IHost& host, const IClock& clock = SystemClock())
+        : host_(host), securities_(host, clock) {}
 
     // Loading: BeginLoad empties the book, Load takes the frames in file order (the first is the top row),
     // EndLoad gives identifiers to the trades that have none and shows the rows. Two different frames with
@@ -72,10 +74,13 @@ class TradeBook final : public ITradeSink {
     // key, is reported, sets the changed flag. Returns its identifier.
     std::int32_t Add(TradeRecord& record);
     std::uint32_t AddUnlessHeld(TradeRecord& record, const ChangeSource& source) override;
-    // A trade that the terminal hands over: as Add, but it keeps an identifier of its own that nobody else
-    // holds, and is reported a second time too.
+    // A trade that the terminal hands over: as Add, but it keeps identifiers of its own, as VELTTradeID one
+    // that nobody else holds, and is reported a second time too.
     std::int32_t AddFromHost(TradeRecord& record);
     std::uint32_t HolderOf(const TradeRecord& record) const override;
+    const SecurityMasterEntry* ContractOf(const TradeRecord& record) override {
+        return securities_.Find(record);
+    }
     // Puts `record` in the place of the trade, which keeps its identifier, looks up the contract when the
     // record has none, reports the trade and sets the changed flag. False: the trade was deleted.
     bool Edit(TradeItem item, TradeRecord record);
@@ -100,6 +105,11 @@ class TradeBook final : public ITradeSink {
     void RestoreMoved(std::uint32_t identifier, std::uint32_t above);
     // `changed`: something other than the order of the rows.
     void EndRestore(bool changed);
+    // Gives the trades of the book what they lack of their contract, without flag or report. The first fills
+    // texts that are empty from the contracts that are known; the second first asks the terminal anew for
+    // those that are not.
+    void FillFromContracts();
+    void FindContracts();
 
     // Reports every trade of the book in ascending order of its identifier.
     void ReportAll(ReportKind kind = {}) const;
@@ -129,7 +139,7 @@ class TradeBook final : public ITradeSink {
     void SetAnalysisOnly(bool on) { analysisOnly_ = on; }
     const RunningTotals& Totals() const { return totals_; }
     // What finds the terminal's entry of a trade's contract, for whoever reads stored trades.
-    ISecurityMaster& Securities() { return securities_; }
+    SecurityLookup& Securities() { return securities_; }
     void SetObserver(IBookObserver* observer) { observer_ = observer; }
     // Told of every change before the terminal is; nullptr: nobody.
     void SetRecorder(IChangeRecorder* recorder) { recorder_ = recorder; }
@@ -138,6 +148,8 @@ class TradeBook final : public ITradeSink {
 
  private:
     void FindSecurity(TradeRecord& record);
+    void TakeFromContract(TradeItem item, const SecurityMasterEntry& contract);
+    void ContractsTaken(std::span<const TradeItem> items);
     void AddTrade(TradeRecord& record, const DuplicateKey& key, bool secondReport,
                   const ChangeSource& source);
     TradeItem Insert(const TradeRecord& record, const DuplicateKey& key);
@@ -168,6 +180,7 @@ class TradeBook final : public ITradeSink {
     std::uint64_t revision_ = 0;
     std::uint32_t counter_ = 0;
     std::vector<Renumbered> renumbered_;
+    std::int32_t lowestFree_ = 1;  // no lower identifier is free
     bool changed_ = false;
     bool analysisOnly_ = false;
 };

@@ -33,6 +33,10 @@ class FakeBook final : public ITradeSink {
         if (onAdd) onAdd();
         return 0;
     }
+    const SecurityMasterEntry* ContractOf(const TradeRecord& record) override {
+        const auto found = contracts.find(std::string(TextOf(record.securityID)));
+        return found == contracts.end() ? nullptr : found->second;
+    }
     void BeginBatch() override { ++calls, ++batches; }
     void EndBatch() override { ++calls, --batches; }
     void Add(TradeRecord& record) {
@@ -51,6 +55,7 @@ class FakeBook final : public ITradeSink {
     }
     std::vector<TradeRecord> trades;
     ChangeSource source;          // of the last trade
+    std::map<std::string, const SecurityMasterEntry*> contracts;  // by SecurityID
     std::function<void()> onAdd;  // as the terminal may call back when it is told
     int batches = 0;              // that are open
     mutable int calls = 0;

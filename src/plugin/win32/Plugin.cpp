@@ -76,6 +76,7 @@ void Plugin::ShowBar() {
 
     const ActivationScope activation;
     if (open_) {
+        open_->bar.Book().Securities().AskAgain();
         open_->bar.Show(true);
         if (BookThere()) waiting_.DropPending();
     } else {

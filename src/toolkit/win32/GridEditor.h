@@ -20,8 +20,8 @@ class GridEditor {
     // False: the cell is not to be edited.
     bool Open(wchar_t typed);
     void OpenWithList();  // the list only where there is one
-    // False: the owner refused the text, the editor stays.
-    bool Close(bool commit);
+    // False: the owner refused the text, the editor stays. `byKey`: the user ends it by a key of the editor.
+    bool Close(bool commit, bool byKey = false);
     // The window goes, and nobody is asked or told.
     void Drop();
     void Layout();  // after the view moved
@@ -32,6 +32,7 @@ class GridEditor {
     // Where the button stands, empty without one.
     Dravel::Rect Button() const;
     void Refocus();
+    bool EndsByKey() const { return byKey_; }
 
  private:
     static LRESULT CALLBACK Procedure(HWND window, UINT message, WPARAM wparam, LPARAM lparam, UINT_PTR id,
@@ -60,4 +61,5 @@ class GridEditor {
     bool erasing_ = false;  // the last key took something away: no type-ahead
     bool writing_ = false;  // a text that the editor itself sets
     bool closing_ = false;
+    bool byKey_ = false;  // the end that the owner is asked about
 };
