@@ -163,6 +163,13 @@ void MasterAnswers(Stage& stage, const Words& words) {
     if (!known) Fail("no such mood");
 }
 
+void CallbacksEnd(Stage& stage, const Words& words) {
+    const std::string name = words.size() > 1 ? words[1] : std::string();
+    const auto known = stage.AskUi<bool>(
+        [&stage, mood = words[0], name] { return stage.Host().Callbacks().Set(mood, name); });
+    if (!known) Fail("no such mood");
+}
+
 void MakeContracts(Stage& stage, const Words& words) {
     std::uint32_t count = 0;
     if (!ParseNumber(words[0], count)) Fail("not a number");
@@ -223,6 +230,7 @@ constexpr CommandEntry kCommands[] = {
     {"expect-frames-of-flag", "FLAG CODE...", 1, 99, ExpectIntroduction},
     {"reenter-on", "GetPluginBarID | GetMasterRequest CODE [FIELD=VALUE...]", 1, 99, Reenter},
     {"master-answers", "normal|nothing|no-list|nulls|long [MILLISECONDS]", 1, 2, MasterAnswers},
+    {"callbacks", "work|throw|fault|round-up [NAME]", 1, 2, CallbacksEnd},
     {"make-contracts", "COUNT", 1, 1, MakeContracts},
     {"crash", "access-violation|throw|stack-overflow", 1, 1, Crash},
 };

@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <array>
 
-#include "entry/CellReading.h"
 #include "formatset/CsvLine.h"
 #include "formatset/LetterCase.h"
 #include "formatset/NumberText.h"
@@ -48,28 +47,12 @@ constexpr bool CompletesNewRow(int column) {
            (column >= column::OrderType && column <= column::OpenClose && column != column::PendingQuantity);
 }
 
-// What names a contract, in the grid.
-constexpr int kContract[] = {column::Exchange,   column::SecurityType, column::Symbol,    column::ExpiryDate,
-                             column::OptionType, column::StrikePrice,  column::SecurityID};
-
 constexpr int kRequired[] = {column::Side, column::Quantity, column::Price};
 
 // Strikes are equal when their numbers are, all other texts letter case aside.
 bool Equal(int column, std::string_view a, std::string_view b) {
     if (column == column::StrikePrice && !a.empty() && !b.empty()) return ReadDouble(a) == ReadDouble(b);
     return SameLetters(a, b);
-}
-
-// A quantity that is no number at all is 0, and has its box.
-bool HasItsBox(int column, std::string_view text) {
-    return column == column::Quantity && !(text[0] >= '0' && text[0] <= '9') && ReadUnsigned(text) == 0;
-}
-
-// For the status line: long texts without their middle.
-std::string Shortened(std::string_view text) {
-    constexpr std::size_t kEnd = 24;
-    if (text.size() <= 2 * kEnd) return std::string(text);
-    return std::string(text.substr(0, kEnd)) + "..." + std::string(text.substr(text.size() - kEnd));
 }
 
 }  // namespace
@@ -168,30 +151,6 @@ EditEnd TradeEntry::EndEdit(TradeDraft& draft, int column, std::string_view type
     return TryCommit(draft, view);
 }
 
-// Makes of `text` what the cell is to hold. A text that its reader would take only in part, or as a word that
-// it does not know, is asked about, or given back when the user is gone from the cell.
-EditEnd TradeEntry::Understand(const TradeDraft& draft, int column, std::string& text, EditEnding ending,
-                               IDraftView& view) {
-    const std::string typed = text;
-    CellReading reading = ReadingOfCell(column, text);
-    if (reading.how == TextReading::Grouped) text = reading.text;
-    if (!Complete(draft, column, text)) return EditEnd::Refused;
-    // The beginning of a word stands for all of it.
-    if (HasCodes(column)) reading = ReadingOfCell(column, text);
-    if (reading.how != TextReading::Part || HasItsBox(column, typed)) return EditEnd::Kept;
-    const std::string question = '"' + Shortened(typed) + "\" would be read as " + Shortened(reading.text);
-    if (ending == EditEnding::Left) {
-        view.Say(question + " and was not taken.");
-        return EditEnd::GivenBack;
-    }
-    if (ending == EditEnding::Key) {
-        view.Say(question + ". Enter again to take it, Escape to go back.");
-        return EditEnd::Asked;
-    }
-    if (!HasCodes(column) && text == typed) text = reading.text;
-    return EditEnd::Kept;
-}
-
 // A trade of the book lacks nothing, so that every cell of it counts at once; those of its contract when the
 // contract is found, since half of one is no other contract.
 bool TradeEntry::Completes(const TradeDraft& draft, int column, bool changed) const {
@@ -205,31 +164,6 @@ bool TradeEntry::Change(TradeDraft& draft, int column, std::string_view text, ID
     if (column == column::SecurityID && !text.empty()) return TakeContractOf(draft, text, view);
     draft.Set(column, text);
     Cascade(draft, column, view);
-    return true;
-}
-
-// The whole contract that the terminal knows by that identifier: the names of another one beside it would be
-// reported with it.
-bool TradeEntry::TakeContractOf(TradeDraft& draft, std::string_view securityID, IDraftView& view) {
-    if (!host_.HasSecurityMaster()) {
-        draft.Set(column::SecurityID, securityID);
-        view.Say("The terminal has no security master: the names of the contract stay as they are.");
-        return true;
-    }
-    TradeRecord contract{};
-    SetText(contract.exchange, Cell(draft, column::Exchange));
-    SetText(contract.securityID, securityID);
-    const SecurityMasterEntry* const entry = book_.Securities().Find(contract);
-    if (entry == nullptr) {
-        view.Say("The terminal knows no security \"" + Shortened(securityID) + "\" of this exchange.");
-        return false;
-    }
-    TakeContract(contract, *entry);
-    std::string text;
-    for (const int column : kContract) {
-        CellText(contract, column, text);
-        draft.Set(column, text);
-    }
     return true;
 }
 

@@ -178,7 +178,8 @@ void Plugin::SelectedContract(CTagMessageReader& query) {
         const SelectedCells cells{exchange, security, client, price};
         BuildSelectedContract(answer, &cells);
     }
-    Reply(address, answer);
+    if (!Reply(address, answer))
+        ReportFailure("SelectedContract", "The terminal's function for the answer failed.");
 }
 
 }  // namespace Dravel
