@@ -208,6 +208,7 @@ TEST_F(Opening, WhatStandsInTheWayIsSaidAndThenEverythingIsThereOnce) {
         EXPECT_EQ(std::count_if(terminal.log.lines.begin(), terminal.log.lines.end(),
                                 [](const std::string& line) { return line.starts_with("Opening"); }),
                   1);
+        EXPECT_TRUE(terminal.log.Has(" (error 100")) << "what the system said, for who looks into the log";
         EXPECT_FALSE(terminal.Save().ok) << "nothing is ever written over a book that is not ours";
         way.reset();
         EXPECT_EQ(disk.Content(kBook), stored);

@@ -54,6 +54,7 @@ void BookOpening::GoOn() {
 bool BookOpening::Claim() {
     const BookClaim claim = parts_.file.Acquire();
     readOnly_ = claim.access == BookAccess::ReadOnly;
+    code_ = claim.status.code;
     if (claim.access == BookAccess::Elsewhere) return ShowLastSaved(claim.status);
     if (claim.access == BookAccess::Refused) return Fail(claim.status);
     if (readOnly_) {
@@ -174,7 +175,8 @@ void BookOpening::Become(BookState state, std::string reason) {
     const std::uint32_t bit = 1u << static_cast<unsigned>(state_);
     const bool first = (noticed_ & bit) == 0;
     noticed_ |= bit;
-    parts_.log.Line(LogLevel::Warning, kContext, said);
+    parts_.log.Line(LogLevel::Warning, kContext,
+                    code_ == 0 ? said : said + " (error " + std::to_string(code_) + ")");
     if (first) parts_.user.Notice(said);
 }
 

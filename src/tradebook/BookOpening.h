@@ -104,10 +104,11 @@ class BookOpening final : public IBookGate {
 
     Parts parts_;
     BookState state_ = BookState::Loading;
-    std::string reason_;     // why it is tried again
-    std::size_t step_ = 0;   // that is next
-    bool readOnly_ = false;  // nothing can be written where the book lies
-    bool running_ = false;   // a try is under way
+    std::string reason_;      // why it is tried again
+    std::uint32_t code_ = 0;  // the system's error why the book was not ours at the last try, for the log
+    std::size_t step_ = 0;    // that is next
+    bool readOnly_ = false;   // nothing can be written where the book lies
+    bool running_ = false;    // a try is under way
     bool stopped_ = false;
     int brokenOff_ = 0;          // loads that the disk broke off
     FileInfo shown_;             // the file of another terminal's book as it was shown
