@@ -9,6 +9,8 @@
 
 #include "message/FieldBytes.h"
 #include "records/CodeTables.h"
+#include "records/FieldIndex.h"
+#include "records/StoredShape.h"
 
 namespace Dravel {
 
@@ -145,37 +147,6 @@ constexpr auto TakersOf(std::index_sequence<Index...>) {
 constexpr auto kHostTakers = TakersOf(std::make_index_sequence<kHostFields>());
 constexpr auto kStoredTakers = TakersOf(std::make_index_sequence<kTradeFields.size()>());
 
-// From a tag to its place in the field table: a hash without collisions, the factor found at compile time.
-constexpr Byte kNoField = 0xFF;
-struct FieldIndex {
-    std::uint32_t factor = 0;
-    std::array<Byte, 256> slots{};
-
-    constexpr std::size_t Slot(tag::Tag tag) const { return (tag * factor >> 16) & 0xFF; }
-    constexpr bool Fill(std::uint32_t with) {
-        factor = with;
-        slots.fill(kNoField);
-        for (std::size_t i = 0; i < kTradeFields.size(); ++i) {
-            Byte& slot = slots[Slot(kTradeFields[i].tag)];
-            if (slot != kNoField) return false;
-            slot = static_cast<Byte>(i);
-        }
-        return true;
-    }
-    constexpr std::size_t Find(tag::Tag tag) const {
-        const Byte index = slots[Slot(tag)];
-        return index != kNoField && kTradeFields[index].tag == tag ? index : kNoField;
-    }
-};
-constexpr FieldIndex kFieldIndex = [] {
-    FieldIndex index;
-    std::uint32_t factor = 0x9E3779B1;
-    while (!index.Fill(factor)) {
-        factor += 0x6A09E668;
-    }
-    return index;
-}();
-
 // Whether a frame header, followed by a message code, begins at `at`; of a header that is cut off at the end
 // as much as is there. No value of a sound frame looks so: a text holds no zero byte, and a number is too
 // short.
@@ -216,55 +187,6 @@ void TakeStoredField(CTagMessageReader& frame, Byte* record, bool& deleted) {
     } else if (frame.Read8(mark)) {
         deleted = mark == 1;
     }
-}
-
-// A stored frame walked by the lengths that its fields declare, nothing hunted for.
-struct StoredShape {
-    bool whole = true;  // one field behind the other up to the end
-    bool fits = true;   // no text is longer than a record holds
-    bool identity = false, mark = false, markSet = false;
-
-    // Returns the bytes of the field's value; more than `rest` when it is cut off.
-    std::size_t Note(tag::Tag tag, std::span<const Byte> rest) {
-        std::size_t width = TagWidth(tag);
-        const std::size_t index = kFieldIndex.Find(tag);
-        if (width == kVariableWidth) {
-            if (rest.size() < 2) return rest.size() + 1;
-            const std::size_t length = wire::Get<std::uint16_t>(rest.data());
-            fits = fits && (index == kNoField || length <= kTradeFields[index].capacity);
-            width = 2 + length;
-        }
-        identity |= index != kNoField && index >= kHostFields;
-        if (tag == tag::DeletedMark && !rest.empty()) {
-            mark = true;
-            markSet = rest[0] != 0;
-        }
-        return width;
-    }
-};
-
-StoredShape ShapeOf(std::span<const Byte> fields) {
-    StoredShape shape;
-    while (!fields.empty() && shape.whole) {
-        shape.whole = fields.size() >= wire::kTagSize && fields[0] == wire::kMark;
-        if (!shape.whole) break;
-        const auto tag = wire::Get<tag::Tag>(fields.data() + 1);
-        fields = fields.subspan(wire::kTagSize);
-        const std::size_t width = shape.Note(tag, fields);
-        shape.whole = width <= fields.size();
-        fields = fields.subspan(std::min(width, fields.size()));
-    }
-    return shape;
-}
-
-// What another writer's frame lacks is no damage: it has no identity.
-damage::Kinds DamageOf(const StoredShape& shape, const TradeRecord& record, bool deleted) {
-    damage::Kinds kinds = 0;
-    if (!shape.whole || (shape.identity && !shape.fits)) kinds |= damage::Torn;
-    if (shape.identity && !HasIdentifier(record)) kinds |= damage::NoIdentifier;
-    if (shape.identity && shape.whole && !shape.mark) kinds |= damage::NoDeletedMark;
-    if (shape.markSet) kinds |= deleted ? damage::MarkedDeleted : damage::Torn;
-    return kinds;
 }
 
 // Whether nothing but the deleted mark is left; more than 1 in it is the `#` of a header.
@@ -351,20 +273,8 @@ StoredTradeEnd ReadStoredTrade(CTagMessageReader& frame, TradeRecord& record, IS
     FinishReading(record, master);
     shape.markSet |= end.deleted;
     end.identity = shape.identity;
-    end.damage = DamageOf(shape, record, end.deleted);
+    end.damage = shape.Damage(record, end.deleted);
     return end;
-}
-
-bool BeginsStoredField(std::span<const Byte> bytes) {
-    if (bytes.size() < wire::kTagSize || bytes[0] != wire::kMark) return false;
-    const auto tag = wire::Get<tag::Tag>(bytes.data() + 1);
-    return tag == tag::DeletedMark || kFieldIndex.Find(tag) != kNoField;
-}
-
-bool HoldsIdentity(std::span<const Byte> bytes) {
-    Byte field[wire::kTagSize];
-    wire::PutTag(field, tag::VELTTradeID);
-    return std::search(bytes.begin(), bytes.end(), std::begin(field), std::end(field)) != bytes.end();
 }
 
 }  // namespace Dravel

@@ -3,7 +3,6 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <span>
 
 #include "message/TagMessageReader.h"
 #include "message/TagMessageWriter.h"
@@ -71,11 +70,5 @@ struct StoredTradeEnd {
 };
 StoredTradeEnd ReadStoredTrade(CTagMessageReader& frame, TradeRecord& record,
                                ISecurityMaster* master = nullptr, std::size_t behind = 0);
-
-// Whether a field of a stored trade begins here: then these bytes belong to a frame whose length is too
-// small.
-bool BeginsStoredField(std::span<const std::uint8_t> bytes);
-// Whether a frame that was written here lies among the bytes: the field of an identifier is there.
-bool HoldsIdentity(std::span<const std::uint8_t> bytes);
 
 }  // namespace Dravel

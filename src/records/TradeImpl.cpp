@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "message/FieldBytes.h"
+#include "records/StoredShape.h"
 
 namespace KRV::VELT {
 
