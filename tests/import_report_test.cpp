@@ -263,6 +263,34 @@ TEST_F(Reports, LinesOfAnyLengthAndAnyBytes) {
     EXPECT_EQ(Saved(), "clientid,symbol,exchangetradeid\nC1,A,1" + nul + "\n" + half);
 }
 
+// A file without line ends would be held in memory whole, and read in one go.
+TEST_F(Reports, LinesThatAreTooLongArePassedOverAndListed) {
+    const std::string header = "clientid,symbol,exchangetradeid\n",
+                      line = "C1,B," + std::string(17 << 20, 'x');
+    const std::string text = header + "C1,A,1\n" + line + "\nC1,C,2\n" + std::string((16 << 20) + 1, 'y');
+    const Strings tooLong{"3 one line of 18 MB, longer than 16 MB; it is not saved",
+                          "5 one line of 17 MB, longer than 16 MB; it is not saved"};
+    EXPECT_TRUE(Import(text));
+    EXPECT_EQ(book.Cells(column::Symbol), "A C ");
+    EXPECT_EQ(Listed(), tooLong);
+    EXPECT_EQ(ImportReport::TextToShow(run->Report().Rows()[0]), line.substr(0, 255));
+    EXPECT_EQ(run->Report().Summary(), "2 of 4 imported, report");
+    EXPECT_EQ(Saved(), header);
+
+    book = {};
+    ASSERT_TRUE(Started(text).Begin("in.csv"));
+    for (std::uint64_t at = 0; at < (17u << 20); at = run->Progress().bytes) {
+        ASSERT_TRUE(run->Step(1000));
+        EXPECT_TRUE(at < (16u << 20) || run->Progress().bytes - at <= (2u << 20)) << "a step is short";
+    }
+    run->Cancel();
+    run->Finish();
+    EXPECT_EQ(Listed(), (Strings{tooLong[0], "4 not read, import cancelled", tooLong[1]}));
+    EXPECT_FALSE(Import(line)) << "no header";
+    EXPECT_EQ(user.boxes.back(), "Dravel Import |Please Select Proper File");
+    run.reset();
+}
+
 TEST_F(Reports, FiveThousandColumns) {
     std::string header = "clientid", line = "C1";
     for (int i = 1; i < 5000; ++i) {

@@ -38,6 +38,14 @@ std::wstring GridEditor::Text() const {
     return text;
 }
 
+// What the user did not change is given back byte for byte: a field does not hold every byte of a text, nor
+// does each have a counterpart in the code page (half a character in UTF-8 has none), and who only looks into
+// a cell must not change it.
+std::string GridEditor::Bytes() const {
+    const std::wstring text = Text();
+    return text == shown_ ? opened_ : Narrow(text);
+}
+
 bool GridEditor::Make(const std::wstring& text) {
     const ActivationScope scope;
     const auto window = static_cast<HWND>(grid_.Window());
@@ -75,6 +83,8 @@ bool GridEditor::Open(wchar_t typed) {
     list_.Choices().Set({});
     fetched_ = erasing_ = false;
     if (!Make(Widen(text))) return false;
+    opened_ = std::move(text);
+    shown_ = Text();
     SendMessageW(field_, EM_SETSEL, 0, -1);
     // As if typed into the opened field, so that type-ahead sees it.
     if (typed != 0) SendMessageW(field_, WM_CHAR, typed, 1);
@@ -110,7 +120,7 @@ bool GridEditor::Close(bool commit, bool byKey) {
     bool ended = true;
     try {
         if (commit) {
-            ended = grid_.OnEndEdit(row, column, Narrow(Text()));
+            ended = grid_.OnEndEdit(row, column, Bytes());
         } else {
             grid_.OnCancelEdit(row, column);
         }

@@ -179,6 +179,9 @@ class CDravelGrid final : public CVELTSGridCtrl,
     void Reordered(std::uint32_t count, const std::function<std::uint32_t(std::uint32_t)>& newRow) override;
     void Reset() override { CVELTSGridCtrl::RowsReset(); }
     void Changed(std::uint32_t row) override { RedrawRow(drafts_.NewCount() + row); }
+    bool Hides(const Dravel::ColumnFilter& filter, Dravel::TradeItem item) const override {
+        return IsItemFilteredByFilterBar(item, filter.Column(), filter.Text());
+    }
     // The commands about the look of the grid and its export. False: none of them.
     bool LayoutCommand(std::uint32_t id);
     void ExportCsv();

@@ -49,6 +49,7 @@ class GridEditor {
     void TakeChosen();
     void SetText(const std::wstring& text, int selectFrom);
     std::wstring Text() const;
+    std::string Bytes() const;
     bool HasButton() const { return kind_ == Dravel::GridEditKind::Choice; }
 
     CKRVPGridCtrl& grid_;
@@ -56,6 +57,8 @@ class GridEditor {
     HWND field_ = nullptr;
     RECT place_{};
     Dravel::GridEditKind kind_ = Dravel::GridEditKind::Text;
+    std::string opened_;    // the cell's text as it was handed over
+    std::wstring shown_;    // what the field made of it
     std::string typed_;     // what the user typed, without what type-ahead added
     bool fetched_ = false;  // the choices are those of typed_
     bool erasing_ = false;  // the last key took something away: no type-ahead
