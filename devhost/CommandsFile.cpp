@@ -57,6 +57,16 @@ void PutFile(Stage&, const Words& words) {
     std::ofstream(path, std::ios::binary) << words[1];
 }
 
+void ReplaceInFile(Stage&, const Words& words) {
+    const fs::path path = OfProgram(words[0]);
+    std::string bytes;
+    if (!ReadBytes(path, bytes)) Fail("there is no such file");
+    const std::size_t at = bytes.find(words[1]);
+    if (at == bytes.npos) Fail("it does not hold the text");
+    bytes.replace(at, words[1].size(), words[2]);
+    if (!(std::ofstream(path, std::ios::binary) << bytes).flush()) Fail("the file cannot be written");
+}
+
 void CopyFileCommand(Stage& stage, const Words& words) {
     std::string bytes;
     stage.Until([&] { return ReadBytes(OfProgram(words[0]), bytes); }, "there is no such file");
@@ -99,7 +109,7 @@ void FileDialog(Stage& stage, const Words& words) {
     Confirm(stage, stage.scriptFolder / FromUtf8(words[0]));
 }
 
-// As a program that writes the file and may delete it.
+// As a program that writes the file and may delete it, or as one that lets nobody else near it.
 HANDLE heldFile = INVALID_HANDLE_VALUE;
 
 void ReleaseFile(Stage&, const Words&) {
@@ -109,9 +119,11 @@ void ReleaseFile(Stage&, const Words&) {
 
 void HoldFile(Stage& stage, const Words& words) {
     ReleaseFile(stage, words);
-    heldFile = CreateFileW(FromUtf8(words[0]).c_str(), GENERIC_READ | GENERIC_WRITE | DELETE,
-                           FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr, OPEN_EXISTING, 0,
-                           nullptr);
+    const bool alone = words.size() > 1 && words[1] == "alone";
+    if (words.size() > 1 && !alone) Fail("\"alone\" or nothing");
+    const DWORD share = alone ? 0u : FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
+    heldFile = CreateFileW(OfProgram(words[0]).c_str(), GENERIC_READ | GENERIC_WRITE | DELETE, share, nullptr,
+                           OPEN_EXISTING, 0, nullptr);
     if (heldFile == INVALID_HANDLE_VALUE) Fail("the file cannot be opened");
 }
 
@@ -136,21 +148,52 @@ void Hold(Stage& stage, const Words& words) {
         },
         "the file cannot be opened");
     kept.insert({path, file});
-}
+    // Another terminal in the same folder, which carries out a script of its own.
+    HANDLE otherTerminal = nullptr;
 
-constexpr CommandEntry kCommands[] = {
-    {"expect-in-file", "PATH TEXT", 2, 2, ExpectInFile},
-    {"same-file", "FILE EXPECTED", 2, 2, SameFile},
-    {"put-file", "PATH TEXT", 2, 2, PutFile},
-    {"remove-file", "PATH", 1, 1, RemoveFile},
-    {"copy-file", "PATH FILE", 2, 2, CopyFileCommand},
-    {"save-as", "FILE", 1, 1, SaveAs},
-    {"file-dialog", "PATH", 1, 1, FileDialog},
-    {"hold-file", "PATH", 1, 1, HoldFile},
-    {"release-file", "", 0, 0, ReleaseFile},
-    {"hold", "PATH", 1, 1, Hold},
-    {"let-go", "PATH", 1, 1, LetGo},
-};
+    void StartTerminal(Stage & stage, const Words& words) {
+        wchar_t self[MAX_PATH];
+        if (GetModuleFileNameW(nullptr, self, MAX_PATH) == MAX_PATH) Fail("the program's path is too long");
+        const fs::path out = stage.File("other");
+        fs::create_directories(out);
+        std::wstring line = L"\"" + std::wstring(self) + L"\" --script \"" +
+                            (stage.scriptFolder / OfProgram(words[0])).native() + L"\" --out \"" +
+                            out.native() + L"\"";
+        STARTUPINFOW startup{};
+        startup.cb = sizeof startup;
+        PROCESS_INFORMATION made{};
+        if (!CreateProcessW(self, line.data(), nullptr, nullptr, FALSE, 0, nullptr, nullptr, &startup, &made))
+            Fail("it does not start");
+        CloseHandle(made.hThread);
+        otherTerminal = made.hProcess;
+    }
+
+    void WaitTerminal(Stage & stage, const Words&) {
+        if (!otherTerminal) Fail("there is none");
+        stage.Until([] { return WaitForSingleObject(otherTerminal, 0) == WAIT_OBJECT_0; }, "it still runs");
+        DWORD code = 1;
+        GetExitCodeProcess(otherTerminal, &code);
+        CloseHandle(otherTerminal);
+        otherTerminal = nullptr;
+        if (code != 0) Fail("its script failed, see other\\script.log");
+    }
+
+    constexpr CommandEntry kCommands[] = {
+        {"expect-in-file", "PATH TEXT", 2, 2, ExpectInFile},
+        {"same-file", "FILE EXPECTED", 2, 2, SameFile},
+        {"put-file", "PATH TEXT", 2, 2, PutFile},
+        {"replace-in-file", "PATH TEXT WITH", 3, 3, ReplaceInFile},
+        {"remove-file", "PATH", 1, 1, RemoveFile},
+        {"copy-file", "PATH FILE", 2, 2, CopyFileCommand},
+        {"save-as", "FILE", 1, 1, SaveAs},
+        {"file-dialog", "PATH", 1, 1, FileDialog},
+        {"hold-file", "PATH [alone]", 1, 2, HoldFile},
+        {"start-terminal", "SCRIPT", 1, 1, StartTerminal},
+        {"wait-terminal", "", 0, 0, WaitTerminal},
+        {"release-file", "", 0, 0, ReleaseFile},
+        {"hold", "PATH", 1, 1, Hold},
+        {"let-go", "PATH", 1, 1, LetGo},
+    };
 
 }  // namespace
 

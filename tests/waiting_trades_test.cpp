@@ -76,7 +76,6 @@ struct Process final : IWaitingLedger, IWaitingBook {
     bool HoldsWaiting(const std::string& file, std::uint32_t number) override {
         return held.contains({file, number});
     }
-    void Enters(std::string_view file, std::uint32_t number) override { named.emplace_back(file, number); }
     void WhenKept(std::function<void()> done) override { callbacks.push_back(std::move(done)); }
     void Keep() {
         for (const auto& done : std::exchange(callbacks, {}))
@@ -95,8 +94,10 @@ struct Process final : IWaitingLedger, IWaitingBook {
         if (room == 0) CloseBook();
         return room > 0;
     }
+    std::uint64_t Revision() const override { return named.size(); }
     void Enter(TradeRecord& record, const WaitingSource& source) override {
-        Enters(source.file, source.number);
+        if (std::exchange(throws, false)) throw std::bad_alloc();
+        named.emplace_back(source.file, source.number);
         (source.kind == Kind::Pending ? pending : heldBack).push_back(+record.quantity);
         if (--room == 0 && record.quantity % 2) CloseBook();
     }
@@ -112,6 +113,7 @@ struct Process final : IWaitingLedger, IWaitingBook {
     std::vector<std::function<void()>> callbacks;
     Quantities pending, heldBack;
     int closed = 0;
+    bool throws = false;  // at the next trade
     std::size_t room = 1'000'000;  // trades until the terminal ends the book
 };
 
@@ -337,4 +339,15 @@ TEST_F(WaitingTradesTest, AnyOrderOfEventsLosesNoTradeAndDoublesNone) {
 }
 
 }  // namespace
+TEST_F(WaitingTradesTest, ATradeThatDoesNotGetInStays) {
+    Process process(disk, clock);
+    process.waiting.Take(Trade(1), Kind::Pending);
+    process.waiting.Take(Trade(2), Kind::HeldBack);
+    process.throws = true;
+    EXPECT_THROW(process.HandOver(), std::bad_alloc);
+    process.HandOver();
+    EXPECT_EQ(process.pending.size(), 1u);
+    EXPECT_EQ(process.heldBack.size(), 1u);
+}
+
 }  // namespace Dravel

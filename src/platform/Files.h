@@ -61,9 +61,11 @@ class IFile {
 struct FileInfo {
     std::uint64_t size = 0;
     std::int64_t modified = 0;  // seconds since 1970-01-01 00:00:00 UTC
+    bool folder = false;
 };
 
-// Changes of names reach the disk in the order in which they were made. Any thread may call.
+// Changes of names reach the disk in the order in which they were made. Any thread may call. Paths may have
+// any length that the disk takes: on Windows, too, where the system's own limit for plain ones is 260.
 class IFiles {
  public:
     virtual ~IFiles() = default;

@@ -63,9 +63,16 @@ bool WaitingTrades::HandOverNext(Kind kind, IWaitingBook& book) {
     if (list.empty() || list.front().trade.number != number || file_.get() != file) return true;  // it went
     WaitingSource source{kind, {}, 0};
     if (file_ && list.front().written) source = {kind, file_->Name(), number};
+    const Waiting waiting = list.front();
     list.pop_front();
     handedOver_ = true;
-    book.Enter(record, source);
+    const std::uint64_t before = book.Revision();
+    try {
+        book.Enter(record, source);
+    } catch (...) {
+        if (book.Revision() == before) list.push_front(waiting);  // it did not get in
+        throw;
+    }
     return true;
 }
 

@@ -3,6 +3,7 @@
 #include <mutex>
 #include <utility>
 
+#include "records/DamageLog.h"
 #include "support/FaultText.h"
 
 namespace Dravel {
@@ -33,29 +34,45 @@ BookFile::BookFile(IFiles& files, IClock& clock, ILog& log, const KRV::Base::Rec
                    ISecurityMaster* master)
     : CKRVTradeImpl(files, clock, log, place, master),
       lockPath_(place.folder / (place.name + ".lock")),
-      newPath_(WithEnding(livePath_, ".new")) {}
+      newPath_(WithEnding(livePath_, ".new")),
+      sums_(files, log, place.folder / place.name) {}
 
 BookFile::~BookFile() {
     Release();
 }
 
-bool BookFile::Acquire() {
+BookClaim BookFile::Acquire() {
     const std::lock_guard guard(lock_);
-    if (owner_) return true;
-    files_.MakeFolders(livePath_.parent_path());
-    if (const FileStatus status = files_.OpenLock(lockPath_, owner_); !status) {
-        LogFault("The book is not ours, error ", status, kContext);
-        return false;
-    }
+    if (owner_) return {BookAccess::Ours, {}};
+    const FileStatus folder = files_.MakeFolders(livePath_.parent_path());
+    if (const FileStatus status = files_.OpenLock(lockPath_, owner_); !status)
+        return NotOurs(folder ? status : folder);
     std::uint64_t bytes = 0;
-    if (!Open(true) || !stream_->Size(bytes)) {
-        log_.Line(LogLevel::Error, kContext, "The record file cannot be opened");
+    FileStatus status = Open(true) ? stream_->Size(bytes) : openStatus_;
+    if (!status) {
         Release();
-        return false;
+        return {status.fault == FileFault::Denied ? BookAccess::ReadOnly : BookAccess::Refused, status};
     }
     holdsUnread_ = bytes > 0;  // until a load has seen all of it
-    backedUp_ = false;
-    return true;
+    backedUp_ = foundChanged_ = false;
+    known_ = InfoOf(livePath_);
+    return {BookAccess::Ours, {}};
+}
+
+// Who may not write here is not told whether an owner holds the lock; trying to read it tells.
+BookClaim BookFile::NotOurs(const FileStatus& status) {
+    if (status.fault == FileFault::InUse) return {BookAccess::Elsewhere, status};
+    if (status.fault != FileFault::Denied) return {BookAccess::Refused, status};
+    std::unique_ptr<IFile> lock;
+    const FileStatus held = files_.Open(lockPath_, FileMode::Read, FileShare::DenyWrite, lock);
+    if (held.fault == FileFault::InUse) return {BookAccess::Elsewhere, held};
+    return {BookAccess::ReadOnly, status};
+}
+
+FileStatus BookFile::OpenToRead() {
+    const std::lock_guard guard(lock_);
+    Open(false, FileMode::Read, FileMode::Create, FileShare::DenyNone);
+    return openStatus_;
 }
 
 bool BookFile::Owned() {
@@ -66,30 +83,47 @@ bool BookFile::Owned() {
 // The file first: who owns the book next must find it free.
 void BookFile::Release() {
     const std::lock_guard guard(lock_);
+    if (owner_) sums_.Release();
     stream_.reset();
     owner_.reset();
 }
 
 KRV::VELT::TradeLoadReport BookFile::LoadBook(KRV::VELT::TradeSink sink) {
     const std::lock_guard guard(lock_);
-    const KRV::VELT::TradeLoadReport report = LoadInto(std::move(sink));
+    known_ = InfoOf(livePath_);
+    sums_.Read();
+    writtenHere_ = sums_.Known();
+    KRV::VELT::TradeLoadReport report = LoadInto(std::move(sink));
+    if (report.complete && !sums_.Fits(loadedSum_)) report = FindChanged(report);
+    sums_.EndRead();
     holdsUnread_ = !report.Clean();
-    if (report.Clean()) return report;
-    log_.Line(LogLevel::Warning, kContext,
-              "The record file was not read in full: " + std::to_string(report.bytesPassedOver) +
-                  " bytes passed over, " + std::to_string(report.otherFrames) +
-                  " frames that are no trades, " + std::to_string(report.damagedFrames) +
-                  " frames damaged, " + std::to_string(report.failedFrames) + " trades refused" +
-                  (report.complete ? "" : ", and the disk failed on the way"));
+    if (!report.Clean()) LogDamage(log_, report, damaged_);
+    damaged_ = {};
     return report;
 }
 
-void BookFile::TradesReplaced(std::uint32_t count) {
+// Reads the file once more for the frames that were not saved so: only a file that does not fit its sums pays
+// for the checksums of its frames.
+KRV::VELT::TradeLoadReport BookFile::FindChanged(const KRV::VELT::TradeLoadReport& loaded) {
+    saved_ = sums_.Frames(loadedSum_.length);
+    ISecurityMaster* const master = std::exchange(master_, nullptr);
+    KRV::VELT::TradeLoadReport report = LoadInto([](const TradeRecord&, bool) {});
+    master_ = master;
+    if (!report.complete) report = loaded;
+    report.failedFrames = loaded.failedFrames;
+    report.asSaved = false;
+    report.savedFrames = saved_->Saved();
+    report.savedFound = saved_->Found();
+    saved_.reset();
+    return report;
+}
+
+void BookFile::TradesRenumbered(std::size_t count) {
     const std::lock_guard guard(lock_);
     holdsUnread_ = true;
-    log_.Line(
-        LogLevel::Warning, kContext,
-        std::to_string(count) + " trades of the record file gave way to later ones of the same identifier");
+    log_.Line(LogLevel::Warning, kContext,
+              std::to_string(count) +
+                  " trades of the record file had the identifier of a later, different one and got new ones");
 }
 
 void BookFile::SetWatch(ISaveWatch* watch) {
@@ -119,20 +153,17 @@ SaveResult BookFile::SaveLocked(const BookImage& image) {
     if (const FileStatus status = WriteNew(image); !status) {
         return {false, FaultText("The new book could not be written", status)};
     }
+    sums_.Write(newSum_, *watch_);
+    const std::optional<FileInfo> fresh = InfoOf(newPath_);
     // No system replaces a file that is held open; ownership holds off other books meanwhile.
     stream_.reset();
-    SaveResult result{true, {}};
-    FileStatus status = MakeBackup();
-    if (!status) {
-        result = {false, FaultText("The backup could not be made", status)};
-    } else {
-        watch_->BeforeSwap(newSum_);
-        if (status = Swap(); !status)
-            result = {false, FaultText("The old book could not be replaced", status)};
-        watch_->AfterSwap(result.ok);
-    }
+    SaveResult result = SwapIn();
+    sums_.AfterSwap(result.ok);
     if (result.ok) {
+        result.foundChanged = std::exchange(foundChanged_, false);
+        if (result.foundChanged && backedUp_) result.backup = backupName_;
         loadedSum_ = newSum_;
+        known_ = fresh;
         holdsUnread_ = false;
         backedUp_ = false;
     } else {
@@ -141,6 +172,36 @@ SaveResult BookFile::SaveLocked(const BookImage& image) {
     // Not opened again it can still be saved: the next save needs its name only.
     if (!Open(false)) log_.Line(LogLevel::Warning, kContext, "The record file cannot be opened again");
     return result;
+}
+
+SaveResult BookFile::SwapIn() {
+    FindOutsideChange();
+    if (const FileStatus status = MakeBackup(); !status)
+        return {false, FaultText("The backup could not be made", status)};
+    watch_->BeforeSwap(newSum_);
+    sums_.BeforeSwap();
+    const FileStatus status = Swap();
+    watch_->AfterSwap(static_cast<bool>(status));
+    if (!status) return {false, FaultText("The old book could not be replaced", status)};
+    return {true, {}};
+}
+
+std::optional<FileInfo> BookFile::InfoOf(const fs::path& path) {
+    FileInfo info;
+    return files_.Info(path, info) ? std::optional(info) : std::nullopt;
+}
+
+// Whether another program has written to the live file, as its length and time tell; it is then worth a
+// backup, whether or not the file before it had one.
+bool BookFile::FindOutsideChange() {
+    const std::optional<FileInfo> now = InfoOf(livePath_);
+    if (!now || !known_ || (now->size == known_->size && now->modified == known_->modified)) return false;
+    log_.Line(LogLevel::Warning, kContext,
+              "Another program has written to the record file since it was loaded or saved");
+    known_ = now;
+    foundChanged_ = holdsUnread_ = true;
+    backedUp_ = false;
+    return true;
 }
 
 FileStatus BookFile::WriteNew(const BookImage& image) {
@@ -158,8 +219,10 @@ FileStatus BookFile::WriteNew(const BookImage& image) {
 
 FileStatus BookFile::WriteWhole(IFile& file, const BookImage& image) {
     RunningChecksum sum;
+    sums_.Begin(image.Trades());
     for (std::size_t i = 0; i < image.Pieces(); ++i) {
         const auto piece = image.Piece(i);
+        sums_.Add(piece);
         sum.Add(piece.data(), piece.size());
         if (const FileStatus status = file.Write(piece.data(), piece.size()); !status) return status;
         watch_->Between();
@@ -184,10 +247,13 @@ FileStatus BookFile::MakeBackup() {
     if (!NeedsBackup()) return {};
     if (const FileStatus status = files_.MakeFolders(backupFolder_); !status) return status;
     const std::string stamp = BackupStamp(true);
-    FileStatus status = BackUpAs(BackupPath(stamp));
+    fs::path to = BackupPath(stamp);
+    FileStatus status = BackUpAs(to);
     for (int n = 2; status.fault == FileFault::Exists && n <= kMostBackupsOfOneMinute; ++n) {
-        status = BackUpAs(BackupPath(stamp + "_" + std::to_string(n)));
+        to = BackupPath(stamp + "_" + std::to_string(n));
+        status = BackUpAs(to);
     }
+    backupName_ = to.filename().string();
     backedUp_ = static_cast<bool>(status);
     // Somebody took the old book away: there is nothing to keep.
     FileInfo info;
@@ -235,6 +301,9 @@ FileStatus BookFile::Swap() {
         if (status.fault != FileFault::InUse || tries == kSwapTries) return status;
         watch_->Between();
         clock_.Sleep(kSwapPause);
+        // Who held it may have written to it.
+        if (!FindOutsideChange()) continue;
+        if (const FileStatus kept = MakeBackup(); !kept) return kept;
     }
 }
 

@@ -5,10 +5,12 @@
 
 #include <functional>
 #include <memory>
+#include <optional>
 #include <string>
 
 #include "records/ADAStore.h"
 #include "records/BookImage.h"
+#include "records/BookSums.h"
 #include "records/SaveWatch.h"
 #include "records/TradeImpl.h"
 
@@ -20,9 +22,26 @@ inline constexpr char kBookNotOwned[] =
 // Why, when the image of the book or a path to its file finds no room.
 inline constexpr char kMemoryRanOut[] = "Memory ran out.";
 
+// Whose the book is after a try to become its owner.
+enum class BookAccess : std::uint8_t {
+    Ours,       // owned, and its file is open
+    Elsewhere,  // another process owns it
+    ReadOnly,   // nothing can be written where it lies
+    Refused,    // the disk or another program refuses
+};
+struct BookClaim {
+    BookAccess access = BookAccess::Refused;
+    FileStatus status;  // why it is not ours
+    explicit operator bool() const { return access == BookAccess::Ours; }
+};
+
 struct SaveResult {
     bool ok = false;
     std::string reason;  // when not ok: a sentence for the user
+    // When ok: another program had written to the book since it was loaded or saved. `backup` is the name of
+    // the backup that keeps what it wrote, empty when that was nothing.
+    bool foundChanged = false;
+    std::string backup = {};
 };
 
 // Any thread; every operation takes the file's lock, so a load never meets a save.
@@ -33,22 +52,25 @@ class BookFile final : public KRV::VELT::CKRVTradeImpl {
              ISecurityMaster* master = nullptr);
     ~BookFile() override;
 
-    // Makes the folder, becomes the book's owner and opens its file, an empty one when there is none. False:
-    // another process owns the book, or the disk refuses; nothing is then held, Save fails, and nothing is
-    // ever written.
-    bool Acquire();
+    // Makes the folder, becomes the book's owner and opens its file, an empty one when there is none. When
+    // the book is not ours then, nothing is held, Save fails, and nothing is ever written; it may be tried
+    // again. Logs nothing: whoever tries every few seconds says when something changed.
+    BookClaim Acquire();
     bool Owned();
+    // Opens the file of a book that is not ours, to be loaded and closed (Close) at once: as long as it is
+    // open, its owner cannot replace it.
+    FileStatus OpenToRead();
     // Gives file and ownership back.
     void Release();
 
-    // Hands every trade to `sink` in row order, also those behind damaged bytes; what was passed over is
-    // counted, logged, and kept by a dated backup before the next save writes over it. Those with the deleted
-    // mark are told as such and are not to be shown. Of two trades with one identifier the later one counts:
-    // who has the trades by identifier, the caller, sees to that.
+    // Hands every trade to `sink` in row order, also those behind damaged bytes. What is damaged, was passed
+    // over, or is not as it was saved is reported, logged, and kept by a dated backup before the next save
+    // writes over it. Trades with the deleted mark are told as such and are not to be shown. The caller has
+    // the trades by identifier and sees to those that share one.
     KRV::VELT::TradeLoadReport LoadBook(KRV::VELT::TradeSink sink);
-    // To be told after a load when so many trades gave way to different ones of the same identifier: logged,
-    // and kept by a dated backup as what was passed over is.
-    void TradesReplaced(std::uint32_t count);
+    // To be told after a load when so many trades had the identifier of a later, different one: logged, and
+    // kept by a dated backup as other damage is.
+    void TradesRenumbered(std::size_t count);
 
     // Who hears of saves from now on; nullptr: nobody. Not while one runs.
     void SetWatch(ISaveWatch* watch);
@@ -63,7 +85,12 @@ class BookFile final : public KRV::VELT::CKRVTradeImpl {
     bool SalvagesDamage() const override { return true; }
 
  private:
+    BookClaim NotOurs(const FileStatus& status);
+    KRV::VELT::TradeLoadReport FindChanged(const KRV::VELT::TradeLoadReport& loaded);
     SaveResult SaveLocked(const BookImage& image);
+    SaveResult SwapIn();
+    std::optional<FileInfo> InfoOf(const std::filesystem::path& path);
+    bool FindOutsideChange();
     FileStatus WriteNew(const BookImage& image);
     FileStatus WriteWhole(IFile& file, const BookImage& image);
     bool NeedsBackup() const;
@@ -77,8 +104,13 @@ class BookFile final : public KRV::VELT::CKRVTradeImpl {
     std::unique_ptr<IFile> owner_;
     ISaveWatch noWatch_;
     ISaveWatch* watch_ = &noWatch_;
-    FileSum newSum_;         // of the image that was written last
+    FileSum newSum_;  // of the image that was written last
+    BookSums sums_;
     bool backedUp_ = false;  // the live file as it stands has its dated backup
+    std::optional<FileInfo>
+        known_;                  // the live file as it was loaded or saved last; none: it could not be told
+    bool foundChanged_ = false;  // since the last save that succeeded
+    std::string backupName_;     // of the last backup
 };
 
 // One save on its way to the writer thread. `done` is called once, on the thread that carries it out.

@@ -18,7 +18,8 @@ namespace {
 
 constexpr std::size_t kBlock = 1048576;
 constexpr std::size_t kMaxReaderBytes = 65535;
-constexpr std::size_t kMinHeld = 11;  // fewer bytes are not looked at: a header alone is no frame
+constexpr std::size_t kLookAhead = 13;  // behind a frame: the header of the next one and the tag of its code
+constexpr std::size_t kMinHeld = 11;    // fewer bytes are not looked at: a header alone is no frame
 
 void AppendDigits(std::string& text, std::int32_t value, std::size_t width) {
     char digits[12];
@@ -70,6 +71,7 @@ class CKRVFileImpl::Loader {
             CTagMessageReader reader(At(), static_cast<std::uint16_t>(std::min(Left(), kMaxReaderBytes)));
             const FrameOpening opening = reader.Open();
             if (opening.opened) {
+                if (file_.SalvagesDamage() && !ended_ && Left() < opening.consumed + kLookAhead) return;
                 endedBefore_ = false;
                 Take(reader, opening);
             } else if (!file_.SalvagesDamage() || !StepOver(opening)) {
@@ -82,6 +84,7 @@ class CKRVFileImpl::Loader {
         const std::size_t strays = reader.Plain() ? opening.consumed - reader.Length() : StraysBefore();
         if (strays > 0) file_.PassedOver(strays);
         std::size_t step = opening.consumed;
+        file_.place_ = {file_.place_.line + 1, {At() + strays, step - strays}, {At() + step, Left() - step}};
         std::size_t foreign = 0;
         try {
             foreign = file_.ReadFrame(reader);
@@ -144,9 +147,11 @@ bool CKRVFileImpl::Open(bool create, FileMode existing, FileMode fresh, FileShar
     FileInfo info;
     const FileStatus found = files_.Info(livePath_, info);
     const bool missing = found.fault == FileFault::NotFound || found.fault == FileFault::PathNotFound;
+    openStatus_ = found;
     if (missing && !create) return false;
     // A file that is there but cannot be asked about must never be opened anew, which would empty it.
-    return static_cast<bool>(files_.Open(livePath_, missing ? fresh : existing, share, stream_));
+    openStatus_ = files_.Open(livePath_, missing ? fresh : existing, share, stream_);
+    return static_cast<bool>(openStatus_);
 }
 
 bool CKRVFileImpl::Load() {
@@ -154,6 +159,7 @@ bool CKRVFileImpl::Load() {
     std::uint64_t size = 0;
     if (!stream_ || !AgreesToLoad() || !stream_->Seek(0) || !stream_->Size(size)) return false;
     loadedBytes_ = 0;
+    place_ = {};
     return Loader(*this, size).Run();
 }
 

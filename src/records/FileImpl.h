@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <filesystem>
 #include <memory>
+#include <span>
 #include <string>
 
 #include "message/TagMessageReader.h"
@@ -21,6 +22,15 @@ struct RecordFilePlace {
     std::filesystem::path folder;
     std::filesystem::path backups;
     std::string name;
+};
+
+// Where the frame that is being read lies in the file. Borrows memory of the load.
+struct FramePlace {
+    std::uint64_t line = 0;               // 1 for the first frame; each that opens counts
+    std::span<const std::uint8_t> bytes;  // the frame as it travels
+    // What follows it, as far as it is in memory. A load that salvages sees the beginning of another frame
+    // here, unless the file ends before.
+    std::span<const std::uint8_t> behind;
 };
 
 // Any thread may call the public operations: each takes the file's lock, which guards stream and members.
@@ -81,7 +91,9 @@ class CKRVFileImpl {
     std::filesystem::path livePath_;
     std::string lastFault_;  // why the last operation on the disk failed, in words
     std::uint32_t loadedBytes_ = 0;
-    Dravel::FileSum loadedSum_;  // of the bytes that the last load read
+    Dravel::FileSum loadedSum_;      // of the bytes that the last load read
+    Dravel::FileStatus openStatus_;  // of the last Open
+    FramePlace place_;               // of the frame given to ReadFrame
     std::unique_ptr<Dravel::IFile> stream_;
     bool holdsUnread_ = false;  // the live file holds bytes that no load has made records of
     KRV::Thread::CKRVLock lock_;

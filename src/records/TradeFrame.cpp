@@ -9,6 +9,8 @@
 
 #include "message/FieldBytes.h"
 #include "records/CodeTables.h"
+#include "records/FieldIndex.h"
+#include "records/StoredShape.h"
 
 namespace Dravel {
 
@@ -145,42 +147,11 @@ constexpr auto TakersOf(std::index_sequence<Index...>) {
 constexpr auto kHostTakers = TakersOf(std::make_index_sequence<kHostFields>());
 constexpr auto kStoredTakers = TakersOf(std::make_index_sequence<kTradeFields.size()>());
 
-// From a tag to its place in the field table: a hash without collisions, the factor found at compile time.
-constexpr Byte kNoField = 0xFF;
-struct FieldIndex {
-    std::uint32_t factor = 0;
-    std::array<Byte, 256> slots{};
-
-    constexpr std::size_t Slot(tag::Tag tag) const { return (tag * factor >> 16) & 0xFF; }
-    constexpr bool Fill(std::uint32_t with) {
-        factor = with;
-        slots.fill(kNoField);
-        for (std::size_t i = 0; i < kTradeFields.size(); ++i) {
-            Byte& slot = slots[Slot(kTradeFields[i].tag)];
-            if (slot != kNoField) return false;
-            slot = static_cast<Byte>(i);
-        }
-        return true;
-    }
-    constexpr std::size_t Find(tag::Tag tag) const {
-        const Byte index = slots[Slot(tag)];
-        return index != kNoField && kTradeFields[index].tag == tag ? index : kNoField;
-    }
-};
-constexpr FieldIndex kFieldIndex = [] {
-    FieldIndex index;
-    std::uint32_t factor = 0x9E3779B1;
-    while (!index.Fill(factor)) {
-        factor += 0x6A09E668;
-    }
-    return index;
-}();
-
 // Whether a frame header, followed by a message code, begins at `at`; of a header that is cut off at the end
 // as much as is there. No value of a sound frame looks so: a text holds no zero byte, and a number is too
 // short.
+constexpr Byte kHead[] = {'#', 0x01, 0x00, 0, 0, '#', 0x11, 0x27, 0, 0, '#', 0x12, 0x27};
 bool LooksLikeFrame(const Byte* at, std::size_t size) {
-    static constexpr Byte kHead[] = {'#', 0x01, 0x00, 0, 0, '#', 0x11, 0x27, 0, 0, '#', 0x12, 0x27};
     static constexpr bool kFixed[] = {1, 1, 1, 0, 0, 1, 1, 1, 0, 0, 1, 1, 1};
     for (std::size_t i = 0; i < std::min(size, sizeof kHead); ++i) {
         if (kFixed[i] && at[i] != kHead[i]) return false;
@@ -218,10 +189,11 @@ void TakeStoredField(CTagMessageReader& frame, Byte* record, bool& deleted) {
     }
 }
 
-// Whether the field at hand is the deleted mark and the last one; more than 1 in it is the `#` of a header.
+// Whether nothing but the deleted mark is left; more than 1 in it is the `#` of a header.
 bool AtClosingMark(const CTagMessageReader& frame) {
     const auto rest = frame.Unread();
-    return frame.CurrentTag() == tag::DeletedMark && rest.size() == 1 && rest[0] <= 1;
+    return rest.size() == 4 && rest[0] == wire::kMark &&
+           wire::Get<tag::Tag>(rest.data() + 1) == tag::DeletedMark && rest[3] <= 1;
 }
 
 void FinishReading(TradeRecord& record, ISecurityMaster* master) {
@@ -230,6 +202,21 @@ void FinishReading(TradeRecord& record, ISecurityMaster* master) {
 }
 
 }  // namespace
+
+std::uint8_t* PutTradeFields(std::uint8_t* at, const TradeRecord& record) {
+    return PutFields(at, record);
+}
+
+bool TakeTradeField(CTagMessageReader& frame, TradeRecord& record) {
+    return TakeField(frame, reinterpret_cast<Byte*>(&record), kStoredTakers);
+}
+
+void ReadOwnFields(CTagMessageReader& frame, TradeRecord& record) {
+    do {
+        if (!TakeTradeField(frame, record)) frame.SkipValue();
+    } while (frame.NextTag());
+    FinishReading(record, nullptr);
+}
 
 bool WriteTradeFields(const TradeRecord& record, CTagMessageWriter& frame) {
     Byte* at = frame.ReserveFields(kMaxTradeFields);
@@ -255,22 +242,16 @@ void ReadTradeFrame(CTagMessageReader& frame, TradeRecord& record, ISecurityMast
     FinishReading(record, master);
 }
 
-void ReadOwnFields(CTagMessageReader& frame, TradeRecord& record) {
-    Byte* bytes = reinterpret_cast<Byte*>(&record);
-    do {
-        if (!TakeField(frame, bytes, kStoredTakers)) frame.SkipValue();
-    } while (frame.NextTag());
-    FinishReading(record, nullptr);
-}
-
-// One byte of a header proves nothing: a text may end in it. Behind the deleted mark there is no text.
-std::size_t ForeignBytes(const CTagMessageReader& frame) {
+// One byte of a header proves nothing, unless the rest of it follows: a text may end in it. Behind the
+// deleted mark there is no text.
+std::size_t ForeignBytes(const CTagMessageReader& frame, std::size_t behind) {
     if (!frame.Plain()) return 0;
     const std::size_t size = frame.Length();
     const Byte* bytes = frame.Unread().data() + frame.Unread().size() - size;
     for (std::size_t at = wire::kHeaderSize; at < size; ++at) {
-        if (!LooksLikeFrame(bytes + at, size - at)) continue;
-        if (size - at > 1 || EndsInDeletedMark(bytes, at)) return size - at;
+        const std::size_t foreign = size - at;
+        if (!LooksLikeFrame(bytes + at, foreign + behind)) continue;
+        if (foreign > 1 || behind >= sizeof kHead || EndsInDeletedMark(bytes, at)) return foreign;
     }
     return 0;
 }
@@ -278,17 +259,28 @@ std::size_t ForeignBytes(const CTagMessageReader& frame) {
 // A frame as it is written here is one run of fields, in the order of the table, and the deleted mark:
 // nothing can hide in it. Any other is searched for what it may have swallowed before more of it is believed,
 // which also keeps a file of nothing but headers from being walked again for each of them.
-StoredTradeEnd ReadStoredTrade(CTagMessageReader& frame, TradeRecord& record, ISecurityMaster* master) {
+StoredTradeEnd ReadStoredTrade(CTagMessageReader& frame, TradeRecord& record, ISecurityMaster* master,
+                               std::size_t behind) {
     StoredTradeEnd end;
     Byte* bytes = reinterpret_cast<Byte*>(&record);
+    const auto fields = frame.Unread();
+    StoredShape shape{.identity = true, .mark = true};
     bool field = frame.NextTag();
-    if (field && TakeField(frame, bytes, kStoredTakers)) field = frame.NextTag();
-    if (!field || !AtClosingMark(frame)) end.foreign = ForeignBytes(frame);
-    if (end.foreign > 0) return end;
+    const bool taken = field && TakeField(frame, bytes, kStoredTakers);
+    const bool closed = taken && fields[0] == wire::kMark && AtClosingMark(frame);
+    if (taken) field = frame.NextTag();
+    if (!closed) {
+        end.foreign = ForeignBytes(frame, behind);
+        if (end.foreign > 0) return end;
+        shape = ShapeOf(fields);
+    }
     for (; field; field = frame.NextTag()) {
         TakeStoredField(frame, bytes, end.deleted);
     }
     FinishReading(record, master);
+    shape.markSet |= end.deleted;
+    end.identity = shape.identity;
+    end.damage = shape.Damage(record, end.deleted);
     return end;
 }
 

@@ -6,6 +6,7 @@
 
 #include "message/TagMessageReader.h"
 #include "message/TagMessageWriter.h"
+#include "records/FrameDamage.h"
 #include "records/TradeFields.h"
 
 namespace Dravel {
@@ -34,6 +35,13 @@ static_assert(kMaxTradeFrame < 4096, "a trade fits the first page of a frame");
 // the frame cannot grow so far.
 bool WriteTradeFields(const TradeRecord& record, CTagMessageWriter& frame);
 
+// The same into plain room for kMaxTradeFields bytes, all of which may be written to; returns the byte behind
+// the last field.
+std::uint8_t* PutTradeFields(std::uint8_t* at, const TradeRecord& record);
+// Takes the value at hand, and those behind it as long as they come in the order of the table, the identity
+// included. False: the tag at hand is none of a trade's.
+bool TakeTradeField(CTagMessageReader& frame, TradeRecord& record);
+
 // Builds a whole plain frame at `into`, which must have room for kMaxTradeFrame bytes (all of them may be
 // written to); returns its length. The second form is what the record file holds: code 60004, with the
 // deleted mark.
@@ -50,16 +58,21 @@ void ReadTradeFrame(CTagMessageReader& frame, TradeRecord& record, ISecurityMast
 void ReadOwnFields(CTagMessageReader& frame, TradeRecord& record);
 
 // Bytes at the end of a plain frame that belong to another one: its length is damaged, or it was cut short,
-// and it swallowed its neighbours. 0 as a rule. The bytes are searched up to the first header.
-std::size_t ForeignBytes(const CTagMessageReader& frame);
+// and it swallowed its neighbours. 0 as a rule. The bytes are searched up to the first header, of which
+// `behind` more bytes may follow the frame in memory.
+std::size_t ForeignBytes(const CTagMessageReader& frame, std::size_t behind = 0);
 
-// The same for a frame of the record file: the identity is restored, too. `record` comes in blank.
+// The same as ReadTradeFrame for a frame of the record file: the identity is restored, too. `record` comes in
+// blank.
 struct StoredTradeEnd {
     bool deleted = false;
     // As ForeignBytes. The record is then worth nothing: read again what is in front of them.
     std::size_t foreign = 0;
+    // Whether it holds a field of the identity: then it was written here, and `damage` says what it lacks.
+    bool identity = false;
+    damage::Kinds damage = 0;
 };
 StoredTradeEnd ReadStoredTrade(CTagMessageReader& frame, TradeRecord& record,
-                               ISecurityMaster* master = nullptr);
+                               ISecurityMaster* master = nullptr, std::size_t behind = 0);
 
 }  // namespace Dravel

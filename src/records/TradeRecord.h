@@ -59,3 +59,8 @@ struct TradeRecord {
 #pragma pack(pop)
 static_assert(sizeof(TradeRecord) == 748 + sizeof(void*));
 static_assert(offsetof(TradeRecord, exchange) == 215 && offsetof(TradeRecord, strikePrice) == 407);
+
+// Whether the book can go by the trade's identifier; any other counts as missing.
+inline bool HasIdentifier(const TradeRecord& record) {
+    return record.veltTradeID >= 1 && record.veltTradeID <= 0x7FFFFFFF;
+}

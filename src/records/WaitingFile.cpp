@@ -20,7 +20,7 @@ constexpr std::size_t kReadBlock = 1048576;
 
 // The frame with its last field, the checksum of all bytes before that.
 std::vector<std::uint8_t> Closed(CTagMessageWriter& frame) {
-    frame.Append64(tag::FrameSum, 0);
+    frame.Append64(tag::FrameChecksum, 0);
     const std::uint8_t* data = frame.GetData();
     std::vector<std::uint8_t> bytes(data, data + frame.GetLength());
     if (bytes.size() > kSumField)
@@ -32,7 +32,7 @@ std::vector<std::uint8_t> Closed(CTagMessageWriter& frame) {
 bool Checks(std::span<const std::uint8_t> frame) {
     if (frame.size() <= kSumField) return false;
     const std::uint8_t* field = frame.data() + frame.size() - kSumField;
-    return field[0] == wire::kMark && wire::Get<tag::Tag>(field + 1) == tag::FrameSum &&
+    return field[0] == wire::kMark && wire::Get<tag::Tag>(field + 1) == tag::FrameChecksum &&
            wire::Get<std::uint64_t>(field + wire::kTagSize) ==
                Checksum(frame.data(), frame.size() - kSumField);
 }
@@ -47,7 +47,7 @@ std::size_t TakeFrame(std::span<const std::uint8_t> bytes, std::vector<WaitingTr
     WaitingTrade trade;
     if (!frame.NextTag() || frame.CurrentTag() != tag::WaitingNumber || !frame.Read32(trade.number)) return 0;
     if (!frame.NextTag()) return 0;
-    if (frame.CurrentTag() == tag::FrameSum) {
+    if (frame.CurrentTag() == tag::FrameChecksum) {
         std::erase_if(trades, [&](const WaitingTrade& other) { return other.number == trade.number; });
     } else {
         ReadOwnFields(frame, trade.record);

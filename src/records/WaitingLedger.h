@@ -25,9 +25,6 @@ class IWaitingLedger {
     virtual ~IWaitingLedger() = default;
     // Whether a trade of this number of the file has been in the book, whatever became of it.
     virtual bool HoldsWaiting(const std::string& file, std::uint32_t number) = 0;
-    // The trade that enters the book next is this one; an empty name: it comes from no file. To be called
-    // when no other can enter in between: the terminal may hand over more while it is asked for a contract.
-    virtual void Enters(std::string_view file, std::uint32_t number) = 0;
     // Calls `done` once all that has entered so far outlives the process. Not called: the book goes before
     // that is sure.
     virtual void WhenKept(std::function<void()> done) = 0;
@@ -40,7 +37,10 @@ class IWaitingBook {
     // Asks the terminal for the trade's contract, which may hand over other trades meanwhile or end the bar.
     // False: the book is gone.
     virtual bool Prepare(TradeRecord& record) = 0;
-    // Tells the ledger, and puts the trade into the book. The book may be gone afterwards.
+    // Changes whenever a trade has entered.
+    virtual std::uint64_t Revision() const = 0;
+    // Puts the trade into the book, which tells its journal where it comes from. The book may be gone
+    // afterwards.
     virtual void Enter(TradeRecord& record, const WaitingSource& source) = 0;
 };
 

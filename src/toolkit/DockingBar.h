@@ -36,7 +36,7 @@ class CKRVPDockingControlBar {
 
     void Dock(Dravel::DockSide side);  // Floating floats; without a frame always floats
     bool Docked() const { return state_.side != Dravel::DockSide::Floating; }
-    void Show(bool show);
+    void Show(bool show);  // hidden it is disabled, so that it cannot have the keyboard
     bool Shown() const { return shown_; }
     void Focus();  // brings it to the front (floating) and gives it the keyboard
     Dravel::DockState State() const { return state_; }

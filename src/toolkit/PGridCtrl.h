@@ -122,6 +122,9 @@ class CKRVPGridCtrl {
     bool EditCell(std::uint32_t row, int column);
     // False: the owner refused the text, the editor stays open. True without an editor.
     bool EndEdit(bool commit);
+    // Within OnEndEdit: the user ends the edit by a key of the editor. False: it is left in another way (the
+    // keyboard goes elsewhere, a command, EndEdit).
+    bool EditEndsByKey() const;
     bool Editing() const;
 
     // Look.
@@ -130,6 +133,10 @@ class CKRVPGridCtrl {
     void ShowRowLines(bool show);
     bool RowLines() const { return rowLines_; }
     void ShowColumnLines(bool show);
+
+    // A text in the place of the rows, which there should be none of; empty: the rows. It is the window's
+    // text, too, so that whoever reads out windows hears it.
+    void ShowInsteadOfRows(std::string_view text);
 
     // Current cell, selection, scrolling. Another cell ends an open edit, as EditCell does.
     void SetCurrent(std::uint32_t row, int column);

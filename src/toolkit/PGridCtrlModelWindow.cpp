@@ -163,6 +163,10 @@ bool CKRVPGridCtrl::EndEdit(bool commit) {
     return state_->editor.Close(commit);
 }
 
+bool CKRVPGridCtrl::EditEndsByKey() const {
+    return state_->editor.EndsByKey();
+}
+
 bool CKRVPGridCtrl::Editing() const {
     return state_->editor.Active();
 }

@@ -371,6 +371,7 @@ void GridPaint::Paint(CKRVPGridCtrl& grid, HDC screen, const RECT& dirty) {
     painter.columnLines = grid.columnLines_;
     painter.RightOfColumns(dirty);
     painter.Rows(dirty, state.ansi, state.wide);
+    Instead(state, device, {0, grid.model_.View().RowsTop(), client.right, client.bottom});
     painter.EditButton();
     painter.Band(state.wide);
     painter.Header(grid.markSort_, state.dragMoved ? state.dragColumn : -1,

@@ -63,6 +63,7 @@ void CDravelGrid::ExportCsv() {
 // A file that cannot be opened is told of by a notice, and the box says "successfully" all the same:
 // deliberate. One that breaks off is never called a success.
 void CDravelGrid::WriteExport(const std::filesystem::path& path) {
+    book_.FindContracts();
     const ExportResult result = ExportTrades(context_.files, path, Columns(), ExportMode::AllColumns,
                                              TradesInOrder(book_), divisors_);
     if (!result.status) {

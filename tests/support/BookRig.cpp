@@ -70,7 +70,7 @@ std::unique_ptr<BookFile> BookRig::Make() {
 bool BookRig::Start() {
     file.reset();
     file = Make();
-    return file->Acquire();
+    return static_cast<bool>(file->Acquire());
 }
 
 Trades BookRig::Load() {
@@ -91,6 +91,15 @@ std::vector<std::string> BookRig::Backups() const {
         if (name.starts_with("Data/Backup/")) backups.push_back(name.substr(12));
     }
     return backups;
+}
+
+std::vector<std::string> BookRig::NamesAfterASave() const {
+    std::vector<std::string> names;
+    for (const std::string& backup : Backups()) {
+        names.push_back("Data/Backup/" + backup);
+    }
+    names.insert(names.end(), {kBook, kBookLock, kBookSums});
+    return names;
 }
 
 Trades TradesIn(const FileBytes& bytes, KRV::VELT::TradeLoadReport* report) {

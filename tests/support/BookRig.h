@@ -27,6 +27,10 @@ Trades SomeTrades(std::size_t count, std::uint32_t first = 1);
 Trades TradesOfOneLength(std::size_t count, std::size_t frameBytes = 512);
 BookImage ImageOf(const Trades& trades);
 FileBytes FramesOf(const Trades& trades);
+// Size of the file with the sums of a book of these trades.
+inline std::size_t SumsBytes(const Trades& trades) {
+    return (trades.size() + 5) * 8;
+}
 
 inline bool Same(const TradeRecord& a, const TradeRecord& b) {
     return std::memcmp(&a, &b, sizeof a) == 0;
@@ -37,6 +41,7 @@ inline bool Same(const Trades& a, const Trades& b) {
 }
 
 inline const char kBook[] = "Data/DravelBook_Dravel.ada";
+inline const char kBookSums[] = "Data/DravelBook_Dravel.sums";
 inline const char kBookLock[] = "Data/DravelBook_Dravel.lock";
 
 struct BookRig {
@@ -58,6 +63,8 @@ struct BookRig {
         file.reset();
     }
     std::vector<std::string> Backups() const;
+    // What lies on the disk while the book is open and nothing has gone wrong.
+    std::vector<std::string> NamesAfterASave() const;
 };
 
 // The trades in the bytes of a record file.

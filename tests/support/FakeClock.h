@@ -2,6 +2,7 @@
 #pragma once
 
 #include <chrono>
+#include <functional>
 
 #include "platform/Clock.h"
 
@@ -27,8 +28,12 @@ class FakeClock final : public IClock {
     }
     std::int32_t ZoneOffset(std::int64_t) const override { return zone; }
     std::uint64_t Ticks() const override { return ticks + slept; }
-    void Sleep(std::uint32_t milliseconds) const override { slept += milliseconds; }
+    void Sleep(std::uint32_t milliseconds) const override {
+        slept += milliseconds;
+        if (sleeping) sleeping();
+    }
 
+    std::function<void()> sleeping;  // called in each rest
     std::int64_t now = kStart;
     std::int32_t zone = 0;
     std::uint64_t ticks = 0;  // what Ticks counts beside the rests

@@ -29,6 +29,10 @@ class FaultFiles::Handle final : public IFile {
     FileStatus Write(const void* bytes, std::size_t count) override {
         if (const FileStatus status = Step(); !status) return status;
         if (mode_ == FileMode::Append) at_ = node_->bytes.size();
+        if (disk_->WriteBlock(*node_, at_, static_cast<const std::uint8_t*>(bytes), count)) {
+            at_ += count;
+            return {};
+        }
         for (std::size_t i = 0; i < count; ++i) {
             const FileStatus status =
                 disk_->WriteByte(*node_, at_, static_cast<const std::uint8_t*>(bytes)[i]);
@@ -109,6 +113,7 @@ FileStatus FaultFiles::WriteByte(Node& node, std::uint64_t at, std::uint8_t byte
     if (plan.bytesLeft == 0) return Failed(FileFault::Full);
     if (plan.bytesLeft != kNever) --plan.bytesLeft;
     ++written_;
+    if (written_ >= plan.loseAtByte) return {};
     if (at == node.bytes.size()) {
         node.bytes.push_back(byte);
     } else {
@@ -119,6 +124,18 @@ FileStatus FaultFiles::WriteByte(Node& node, std::uint64_t at, std::uint8_t byte
     Changed(node);
     if (watch) watch();
     return {};
+}
+
+// All in one go, when no single byte matters to anybody.
+bool FaultFiles::WriteBlock(Node& node, std::size_t at, const std::uint8_t* bytes, std::size_t count) {
+    if (dead_ || watch || plan.crashAtByte != kNever || plan.bytesLeft != kNever) return false;
+    written_ += count;
+    if (node.bytes.size() < at + count) node.bytes.resize(at + count);
+    std::copy_n(bytes, count, node.bytes.begin() + static_cast<std::ptrdiff_t>(at));
+    node.dirty = true;
+    node.modified = clock_.Now();
+    Changed(node);
+    return true;
 }
 
 void FaultFiles::Changed(Node& node) {
@@ -138,6 +155,7 @@ FileStatus FaultFiles::OpenNode(const std::string& path, FileMode mode, FileShar
                                 std::unique_ptr<IFile>& file) {
     if (const FileStatus status = Step(); !status) return status;
     const bool makes = mode == FileMode::Create || mode == FileMode::Append;
+    if (mode != FileMode::Read && Denied(path)) return Failed(FileFault::Denied);
     auto found = names_.find(path);
     if (found == names_.end()) {
         const FileStatus missing = MissingStatus(path);
@@ -173,8 +191,13 @@ FileStatus FaultFiles::OpenLock(const fs::path& path, std::unique_ptr<IFile>& fi
     return OpenNode(path.generic_string(), FileMode::Append, FileShare::DenyAll, true, file);
 }
 
+bool FaultFiles::Denied(const std::string& path) const {
+    return readOnly.contains(path) || readOnly.contains(fs::path(path).parent_path().generic_string());
+}
+
 FileStatus FaultFiles::NewName(const std::string& from, const std::string& to) {
     if (const FileStatus status = Step(); !status) return status;
+    if (Denied(from) || Denied(to)) return Failed(FileFault::Denied);
     const auto found = names_.find(from);
     if (found == names_.end()) return MissingStatus(from);
     const FileStatus missing = MissingStatus(to);
@@ -217,6 +240,7 @@ FileStatus FaultFiles::Link(const fs::path& from, const fs::path& to) {
 
 FileStatus FaultFiles::Remove(const fs::path& path) {
     if (const FileStatus status = Step(); !status) return status;
+    if (Denied(path.generic_string())) return Failed(FileFault::Denied);
     const auto found = names_.find(path.generic_string());
     if (found == names_.end()) return MissingStatus(path.generic_string());
     if (Held(*found->second)) return Failed(FileFault::InUse);
@@ -325,6 +349,12 @@ void FaultFiles::Put(const std::string& path, FileBytes bytes) {
     names_[path] = node;
     for (fs::path at = fs::path(path).parent_path(); !at.empty(); at = at.parent_path()) {
         folders_.insert(at.generic_string());
+    }
+}
+
+void FaultFiles::TakeFrom(const FaultFiles& other) {
+    for (const auto& [name, node] : other.names_) {
+        Put(name, node->bytes);
     }
 }
 

@@ -38,6 +38,7 @@ class FaultFiles final : public IFiles {
         std::uint64_t bytesLeft = kNever;    // room on the disk, in bytes yet to be written
         std::uint64_t crashAt = kNever;      // operation in front of which the machine dies
         std::uint64_t crashAtByte = kNever;  // written byte in front of which it dies
+        std::uint64_t loseAtByte = kNever;   // written byte from which on all are taken and none is kept
         bool noFlush = false;                // flushing does nothing: the fault of a lying disk
         bool noLinks = false;                // a disk without hard links
     };
@@ -45,6 +46,9 @@ class FaultFiles final : public IFiles {
     void ClearPlan() { plan = {}; }
     std::uint64_t Operations() const { return operations_; }
     void CountAnew() { operations_ = 0; }
+
+    // Files and folders (with what lies in them) in which nothing can be written.
+    std::set<std::string> readOnly;
 
     // Called in front of every operation and behind every single byte written, with the disk as it then is.
     std::function<void()> watch;
@@ -66,6 +70,8 @@ class FaultFiles final : public IFiles {
     // Past all faults.
     const FileBytes& Content(const std::string& path) const;
     void Put(const std::string& path, FileBytes bytes);
+    // Copies every file of another disk, as its bytes are.
+    void TakeFrom(const FaultFiles& other);
     bool Has(const std::string& path) const { return names_.contains(path); }
     std::vector<std::string> Names() const;
     std::size_t OpenHandles() const { return handles_.size(); }
@@ -99,7 +105,9 @@ class FaultFiles final : public IFiles {
     bool Held(const Node& node) const;
     FileStatus OpenNode(const std::string& path, FileMode mode, FileShare share, bool removes,
                         std::unique_ptr<IFile>& file);
+    bool Denied(const std::string& path) const;
     FileStatus NewName(const std::string& from, const std::string& to);
+    bool WriteBlock(Node& node, std::size_t at, const std::uint8_t* bytes, std::size_t count);
     FileStatus WriteByte(Node& node, std::uint64_t at, std::uint8_t byte);
     void Changed(Node& node);
     void NamesWillChange() { older_.push_back(names_); }

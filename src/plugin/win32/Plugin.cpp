@@ -65,8 +65,8 @@ Plugin::OpenBook::OpenBook(Plugin& plugin)
       notices(SystemClock()),
       bar({plugin.host_, plugin.user_, plugin.entry_, SystemFiles(), SystemClock(), plugin.folder_, settings,
            plugin.log_, notices, guard},
-          [&plugin] { plugin.BarGone(); }),
-      ledger(bar.Book()) {
+          {[&plugin] { plugin.EnterWaiting(); }, [&plugin] { plugin.AskAboutLeft(); },
+           [&plugin] { plugin.BarGone(); }}) {
     guard.Open();
     guard.WhenKnown([&plugin] { plugin.SettingsCame(); });
 }
@@ -81,40 +81,27 @@ void Plugin::ShowBar() {
 
     const ActivationScope activation;
     if (open_) {
+        open_->bar.Book().Securities().AskAgain();
         open_->bar.Show(true);
-        if (open_->guard.Known()) waiting_.DiscardPending();
+        if (BookThere()) waiting_.DiscardPending();
     } else {
         CreateBar();
+        // The terminal may end the bar while it hears of the book.
+        if (open_) open_->bar.OpenBook();
     }
-    if (open_ && !created_) FinishOpening();
     if (open_) open_->bar.Focus();
-}
-
-// What the settings decide. As long as their file cannot be read the book is shown, and nothing of it is
-// reported.
-void Plugin::FinishOpening() {
-    if (!open_->guard.Known()) return;
-    // The terminal may end the bar while it hears of the book.
-    open_->bar.LoadProperties(kGridKey);
-    if (!open_) return;
-    // What the terminal sends while it hears of them is no longer kept for later.
-    created_ = true;
-    HandOverPendingItems();
-    if (!open_ || !open_->bar.OwnsBook()) return;
-    open_->bar.Post([this] { left_.Ask(user_, open_->ledger, waitingBook_); });
 }
 
 void Plugin::SettingsCame() {
     open_->bar.Post([this] {
         open_->bar.TakePlace();
-        if (!created_) FinishOpening();
+        open_->bar.OpenBook();
     });
 }
 
 void Plugin::CreateBar() {
     void* const frame = TerminalHost::MainFrame();
     const std::uint32_t identifier = host_.BarID(kBarTitle, kBarKey);
-    HoldLibrary();
     TellFrameOfLog(frame);
     open_ = std::make_unique<OpenBook>(*this);
     CDravelBar& bar = open_->bar;
@@ -143,7 +130,6 @@ void Plugin::BarGone() {
     if (!open_) return;
     ClosePopups();
     user_.Attach(nullptr, nullptr, nullptr, nullptr);
-    created_ = false;
     parting_ = true;
     waiting_.BookGone();
     left_.BookGone();
@@ -160,31 +146,19 @@ void Plugin::LetGo(std::unique_ptr<OpenBook> gone) {
     gone.reset();
     log_.Tell({});
     parting_ = false;
-    ReleaseLibrary();
-}
-
-// While windows of the library live, the library must not go, even if the host frees it too early.
-void Plugin::HoldLibrary() {
-    HMODULE self;
-    GetModuleHandleExW(GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS, reinterpret_cast<LPCWSTR>(&Plugin::Instance),
-                       &self);
-}
-
-// Given back by the system when no code of ours runs any more on that thread: a FreeLibrary from here could
-// take away the code to which it returns.
-void Plugin::ReleaseLibrary() {
-    const auto release = [](PTP_CALLBACK_INSTANCE instance, void* self) {
-        FreeLibraryWhenCallbackReturns(instance, static_cast<HMODULE>(self));
-    };
-    TrySubmitThreadpoolCallback(release, Module(), nullptr);
 }
 
 void Plugin::PendingItems() {
-    if (open_ && created_) HandOverPendingItems();
+    if (BookThere()) EnterWaiting();
 }
 
-void Plugin::HandOverPendingItems() {
-    waiting_.HandOver(open_->ledger, waitingBook_);
+void Plugin::EnterWaiting() {
+    if (open_) waiting_.HandOver(open_->bar.Ledger(), waitingBook_);
+}
+
+// Trades of an earlier run. The question holds nothing up.
+void Plugin::AskAboutLeft() {
+    open_->bar.Post([this] { left_.Ask(user_, open_->bar.Ledger(), waitingBook_); });
 }
 
 bool Plugin::WaitingBook::Prepare(TradeRecord& record) {
@@ -193,18 +167,22 @@ bool Plugin::WaitingBook::Prepare(TradeRecord& record) {
     return plugin.open_ != nullptr;
 }
 
+std::uint64_t Plugin::WaitingBook::Revision() const {
+    return plugin.open_ ? plugin.open_->bar.Book().Revision() : 0;
+}
+
 void Plugin::WaitingBook::Enter(TradeRecord& record, const WaitingSource& source) {
-    plugin.open_->ledger.Enters(source.file, source.number);
     TradeBook& book = plugin.open_->bar.Book();
+    const ChangeSource from{ChangeKind::Terminal, source.file, source.number};
     if (source.kind == WaitingSource::Kind::Pending) {
-        book.Add(record);
+        book.Add(record, from);
     } else {
-        book.AddFromHost(record);
+        book.AddFromHost(record, from);
     }
 }
 
 void Plugin::AskToSave() {
-    if (open_ && created_) open_->bar.AskToSaveWhenShown();
+    if (BookThere()) open_->bar.AskToSaveWhenShown();
 }
 
 void Plugin::EntryQuery() {
@@ -216,7 +194,7 @@ void Plugin::EntryQuery() {
 void Plugin::TradeFromHost(CTagMessageReader& trade) {
     TradeRecord record{};
     ReadTradeFrame(trade, record);
-    if (open_ && created_) {
+    if (BookThere()) {
         open_->bar.Book().AddFromHost(record);
     } else {
         waiting_.Take(record, open_ ? WaitingSource::Kind::HeldBack : WaitingSource::Kind::Pending);
@@ -227,7 +205,7 @@ void Plugin::SelectedContract(CTagMessageReader& query) {
     const std::uint64_t address = ReplyAddress(query);
     if (address == 0) return;
     CTagMessageWriter answer(msg::SelectedContractAnswer);
-    const CDravelGrid* const grid = open_ && created_ ? open_->bar.Grid() : nullptr;
+    const CDravelGrid* const grid = BookThere() ? open_->bar.Grid() : nullptr;
     const std::uint32_t row = grid ? grid->SelectedRow() : kNoRow;
     if (row != kNoRow) {
         const auto cell = [&](column::Index index) { return grid->Cell(row, index); };
@@ -236,7 +214,8 @@ void Plugin::SelectedContract(CTagMessageReader& query) {
         const SelectedCells cells{exchange, security, client, price};
         BuildSelectedContract(answer, &cells);
     }
-    Reply(address, answer);
+    if (!Reply(address, answer))
+        ReportFailure("SelectedContract", "The terminal's function for the answer failed.");
 }
 
 }  // namespace Dravel

@@ -8,7 +8,6 @@
 #include "entry/Entry.h"
 #include "plugin/LeftTrades.h"
 #include "plugin/MessageDispatch.h"
-#include "plugin/SavedLedger.h"
 #include "plugin/WaitingTrades.h"
 #include "plugin/win32/ScreenUser.h"
 #include "plugin/win32/TerminalHost.h"
@@ -59,6 +58,7 @@ class Plugin final : public IPluginHandlers {
     // The bar stands behind what it uses.
     struct OpenBook {
         OpenBook(Plugin& plugin);
+        LibraryUse use;  // the host may free the library too early
         LogThread logThread;
         CrashDumpThread crashDumpThread;
         CVELTPXMLSettings settings;
@@ -66,13 +66,13 @@ class Plugin final : public IPluginHandlers {
         RememberedAnswers answers;
         NoticeList notices;
         CDravelBar bar;
-        SavedLedger ledger;
     };
 
     // The book that is open, as trades that waited enter it.
     struct WaitingBook final : IWaitingBook {
         explicit WaitingBook(Plugin& owner) : plugin(owner) {}
         bool Prepare(TradeRecord& record) override;
+        std::uint64_t Revision() const override;
         void Enter(TradeRecord& record, const WaitingSource& source) override;
         Plugin& plugin;
     };
@@ -82,11 +82,10 @@ class Plugin final : public IPluginHandlers {
     void TellFrameOfLog(void* frame);
     void BarGone();
     void LetGo(std::unique_ptr<OpenBook> gone);
-    void FinishOpening();
+    bool BookThere() const { return open_ && open_->bar.BookThere(); }
     void SettingsCame();
-    void HandOverPendingItems();
-    void HoldLibrary();
-    void ReleaseLibrary();
+    void EnterWaiting();
+    void AskAboutLeft();
 
     DataFolder folder_;
     CFileLog log_;
@@ -101,7 +100,6 @@ class Plugin final : public IPluginHandlers {
     std::unique_ptr<OpenBook> open_;
     bool watching_ = false;  // for crashes
     bool showing_ = false;   // ShowBar runs
-    bool created_ = false;   // the bar is complete: later calls only show it
     bool parting_ = false;   // the bar's window is gone, what it owned is not
 };
 

@@ -152,9 +152,10 @@ bool CVELTPXMLSettings::ReadColour(std::string_view name, std::uint32_t& colour)
 
 bool CVELTPXMLSettings::ReadBinary(std::string_view name, std::vector<std::uint8_t>& bytes) const {
     const std::string* text = Find(name);
-    if (text == nullptr || text->size() % 2 != 0) return false;
+    if (text == nullptr) return false;
     std::vector<std::uint8_t> read;
     read.reserve(text->size() / 2);
+    // A single digit at the end meets the text's closing zero, which is no digit.
     for (std::size_t i = 0; i < text->size(); i += 2) {
         const int high = HexValue((*text)[i]), low = HexValue((*text)[i + 1]);
         if (high < 0 || low < 0) return false;
