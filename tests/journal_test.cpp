@@ -205,9 +205,7 @@ class JournalModel {
         rig_.disk.Open(kBook, FileMode::ReadWrite, FileShare::DenyNone, put);
         put->Flush();
         put.reset();
-        BookState state;
-        for (const TradeRecord& trade : trades)
-            state.rows.emplace_back(reinterpret_cast<const char*>(&trade), sizeof trade);
+        const BookState state = StateOf(trades);
         saved_ = state;
         Begin(state);
         Reopen();
@@ -254,11 +252,9 @@ class JournalModel {
         std::size_t found = states_.size();
         while (found > lower_ && !(states_[found - 1].second == state))
             --found;
-        ASSERT_GT(found, lower_) << "operation " << done_ << ": " << state.rows.size() << " rows, "
-                                 << state.drafts.size() << " drafts; the model has "
-                                 << states_.back().second.rows.size() << " and "
-                                 << states_.back().second.drafts.size() << ", at least state " << lower_
-                                 << " of " << states_.size();
+        ASSERT_GT(found, lower_) << "operation " << done_ << ": " << rig_.book->RowCount() << " rows, "
+                                 << rig_.drafts.size() << " being typed; at least state " << lower_ << " of "
+                                 << states_.size();
         Begin(state);
     }
 
