@@ -94,6 +94,7 @@ windows() {
   windows tests/gui/{grid,import}-*.script
   check "the demo's two days" tools/demo/demo.sh build/windows-checked build/windows-checked/demo/stage build/windows-checked/demo/out
   check "a crash leaves a minidump" tests/crash-dumps.sh build/windows-checked
+  check "a kill loses no trade that waits" tests/waiting-trades.sh build/windows-checked
   check "package: install, update, refuse, uninstall, unzip" packaging/test-package.sh build/windows-checked
   echo "that was beside"
 ) >build/logs/beside.txt 2>&1 &

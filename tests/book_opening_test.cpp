@@ -5,10 +5,10 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <deque>
 #include <set>
 
 #include "entry/Entry.h"
-#include "plugin/WaitingTrades.h"
 #include "support/BookRig.h"
 #include "support/FakeHost.h"
 #include "support/FakeUser.h"
@@ -33,7 +33,7 @@ class Terminal final : IOpeningSteps {
         TradeRecord trade{};
         trade.orderID = number;
         trade.productType = 1;
-        opening.Through() ? static_cast<void>(book.AddFromHost(trade)) : waiting.KeepForBook(trade);
+        opening.Through() ? static_cast<void>(book.AddFromHost(trade)) : waiting.push_back(trade);
     }
     SaveResult Save() {
         BookImage image;
@@ -72,7 +72,7 @@ class Terminal final : IOpeningSteps {
     FakeUser user;
     TradeBook book{host};
     BookFile file;
-    WaitingTrades waiting;
+    std::deque<TradeRecord> waiting;
     std::string steps, throwIn, stopIn;
     bool settingsRead = true;
     BookOpening opening{{file, book, disk, user, log, *this}};
@@ -91,7 +91,10 @@ class Terminal final : IOpeningSteps {
     }
     void EnterWaiting() override {
         GoOnceTo("waiting");
-        while (waiting.EnterNext(book)) {
+        while (!waiting.empty()) {
+            TradeRecord trade = waiting.front();
+            waiting.pop_front();
+            book.AddFromHost(trade);
         }
     }
     void OpeningChanged() override {}
@@ -425,40 +428,6 @@ TEST(BookGateTest, EntryRefusesAndASaveSaysSo) {
     entry.Import(nullptr, "in.csv");  // there is no dialog to be opened
     gate.change = true;
     saves(kBookNotOwned);
-}
-
-TEST(WaitingTradesTest, ATradeThatDoesNotGetInStays) {
-    FakeHost host;
-    TradeBook book(host);
-    WaitingTrades waiting;
-    const auto trade = [](std::uint32_t number) {
-        TradeRecord record{};
-        record.orderID = number;
-        SetText(record.exchange, "XNSE");
-        SetText(record.securityID, "ID");
-        return record;
-    };
-    waiting.KeepForBook(trade(2));
-    waiting.KeepPending(trade(1));
-    host.onAsk = [&] {
-        host.onAsk = nullptr;
-        throw std::bad_alloc();
-    };
-    EXPECT_THROW(waiting.EnterNext(book), std::bad_alloc);
-    waiting.KeepPending(trade(3));
-    while (waiting.EnterNext(book)) {
-    }
-    ASSERT_EQ(book.RowCount(), 3u);
-    for (const auto& [row, number] : {std::pair{2u, 1u}, {1u, 3u}, {0u, 2u}})
-        EXPECT_EQ(+book.Row(row).orderID, number);
-    EXPECT_EQ(host.Sent(msg::TradeReport).size(), 3u);
-    EXPECT_EQ(host.Sent(msg::SecondTradeReport).size(), 1u) << "pending items are reported once";
-    waiting.KeepPending(trade(4));
-    waiting.KeepForBook(trade(5));
-    waiting.DropPending();
-    EXPECT_TRUE(waiting.EnterNext(book));
-    EXPECT_EQ(+book.Row(0).orderID, 5u);
-    EXPECT_FALSE(waiting.EnterNext(book));
 }
 
 }  // namespace

@@ -39,7 +39,8 @@ class ImportDialogs : public testing::Test, protected Test::ImportRig {
     DataFolder folder{"."};
     CVELTPXMLSettings settings;
     NoticeList notices{clock};
-    BarContext bar{host, user, entry, disk, clock, folder, settings, log, notices};
+    SettingsGuard guard{disk, clock, log, settings, folder.Settings()};
+    BarContext bar{host, user, entry, disk, clock, folder, settings, log, notices, guard};
 };
 
 TEST_F(ImportDialogs, OneThatThrewLetsTheNextOneOpen) {

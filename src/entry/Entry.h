@@ -55,6 +55,7 @@ class Entry final : public IEntry {
     void Delete(IDraftView& view) override;
     std::string ImportSummary() const override { return report_ ? report_->Summary() : std::string(); }
     void ShowImportReport(void* owner) override;
+    void RetryFiles() override { context_.clients.Retry(); }
     bool Busy() const override { return importing_ || context_.reportView.Asking(); }
 
  private:

@@ -83,6 +83,9 @@ inline constexpr Tag ExchangeTradeID = 55402;
 inline constexpr Tag ExchangeOrderNo = 55403;
 inline constexpr Tag DeletedMark = 5005;
 
+// Files of our own beside the book
+inline constexpr Tag WaitingNumber = 20421;  // of a trade in its waiting file
+
 // The journal, our own
 inline constexpr Tag ChangeKind = 5501;
 inline constexpr Tag ChangeNumber = 20501;
@@ -95,7 +98,7 @@ inline constexpr Tag FrameTime = 30102;
 inline constexpr Tag JournalID = 30103;
 inline constexpr Tag FileLength = 30104;
 inline constexpr Tag FileChecksum = 30105;
-inline constexpr Tag FrameChecksum = 30106;
+inline constexpr Tag FrameChecksum = 30106;  // of the bytes before it; the last field
 inline constexpr Tag ChangeName = 55501;
 inline constexpr Tag Identifiers = 55502;
 inline constexpr Tag DraftCell = 55600;  // of column 0; the others follow
@@ -141,6 +144,9 @@ inline constexpr Code ManualClient = 32053;
 
 // Record file
 inline constexpr Code StoredTrade = 60004;
+
+// Waiting file
+inline constexpr Code WaitingTrade = 60021;
 
 // Journal
 inline constexpr Code JournalHead = 60011;

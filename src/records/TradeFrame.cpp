@@ -211,6 +211,13 @@ bool TakeTradeField(CTagMessageReader& frame, TradeRecord& record) {
     return TakeField(frame, reinterpret_cast<Byte*>(&record), kStoredTakers);
 }
 
+void ReadOwnFields(CTagMessageReader& frame, TradeRecord& record) {
+    do {
+        if (!TakeTradeField(frame, record)) frame.SkipValue();
+    } while (frame.NextTag());
+    FinishReading(record, nullptr);
+}
+
 bool WriteTradeFields(const TradeRecord& record, CTagMessageWriter& frame) {
     Byte* at = frame.ReserveFields(kMaxTradeFields);
     if (!at) return false;

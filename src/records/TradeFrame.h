@@ -53,6 +53,10 @@ std::size_t BuildStoredTrade(const TradeRecord& record, bool deleted, std::uint8
 // unknown here and stepped over. When the record has no master entry yet, `master` (if any) is asked for it.
 void ReadTradeFrame(CTagMessageReader& frame, TradeRecord& record, ISecurityMaster* master = nullptr);
 
+// The same for a frame of our own whose bytes are known to be sound: the identity is restored, too. The
+// reader stands behind a field mark (NextTag).
+void ReadOwnFields(CTagMessageReader& frame, TradeRecord& record);
+
 // Bytes at the end of a plain frame that belong to another one: its length is damaged, or it was cut short,
 // and it swallowed its neighbours. 0 as a rule. The bytes are searched up to the first header, of which
 // `behind` more bytes may follow the frame in memory.

@@ -28,6 +28,7 @@ CDravelBar::CDravelBar(const BarContext& context, Callbacks callbacks)
       book_(context.host),
       store_(context.files, context.clock, context.log, PlaceOfBook(context.folder), &book_.Securities()),
       journal_(context.files, context.clock, context.log, context.folder.Data(), kBookName),
+      ledger_(context.files, journal_, context.folder.Data()),
       opening_({store_, book_, context.files, context.user, context.log, *this}) {}
 
 CDravelBar::~CDravelBar() {
@@ -42,7 +43,7 @@ bool CDravelBar::OnCreate() {
     context_.entry.BookOpened({book_, &store_, *this, context_.log, &context_, [this] { StatusStale(); },
                                [this] { return grid_->RowsBeingTyped(); }, &opening_, &journal_,
                                [this] { grid_->DraftsToJournal(); }});
-    KeepTrying(true);
+    WatchFiles();
     return true;
 }
 
@@ -50,16 +51,18 @@ void CDravelBar::TellDamage(const KRV::VELT::TradeLoadReport& report) {
     TellOfDamage(context_.user, *this, report, book_);
 }
 
+// What they say decides what the terminal hears of the book: without them nothing is said.
 bool CDravelBar::ReportBook() {
+    if (!context_.guard.Known()) return false;
     LoadProperties(kGridKey);
     return true;
 }
 
 void CDravelBar::OpeningChanged() {
-    if (opening_.Through()) KeepTrying(false);
     grid_->ShowInsteadOfRows(opening_.InsteadOfRows());
     grid_->GateChanged();
     StatusStale();
+    if (opening_.MayChange()) callbacks_.through();
 }
 
 void CDravelBar::MakeStatusLine() {
@@ -105,18 +108,36 @@ void CDravelBar::OnSaveProperties(std::string_view key) {
     context_.SaveSettings();
 }
 
+// Every two seconds: what could not be read or written before.
+void CDravelBar::RetryFiles() {
+    opening_.Try();
+    ledger_.Look();
+    context_.guard.Retry();
+    if (context_.guard.AskIsDue()) Post([this] { context_.guard.Ask(context_.user); });
+    if (grid_) grid_->RetryProfile();
+    context_.entry.RetryFiles();
+    TellOfSettings();
+}
+
+void CDravelBar::TellOfSettings() {
+    if (const std::string notice = context_.guard.TakeNotice(); !notice.empty()) context_.user.Notice(notice);
+}
+
 // Where the user left it; the first time at the bottom of the frame.
 void CDravelBar::TakePlace() {
     DockState place = State();
+    if (placed_ && *placed_ != place) return;
     place.side = DockSide::Bottom;
     LoadBarPlace(context_.settings, kPlaceKey, place);
     SetState(place);
+    placed_ = State();
 }
 
 // Place, properties and columns as the user leaves them.
 void CDravelBar::KeepLayout() {
     if (!grid_) return;
-    SaveBarPlace(context_.settings, kPlaceKey, State());
+    // Before the settings are known this would be the place without any.
+    if (context_.guard.Known()) SaveBarPlace(context_.settings, kPlaceKey, State());
     SaveProperties(kGridKey);
     grid_->SaveLayout();
 }

@@ -7,6 +7,7 @@
 
 #include "records/BookFile.h"
 #include "records/BookJournal.h"
+#include "records/JournalLedger.h"
 #include "toolkit/EscapeRule.h"
 #include "toolkit/StatusLine.h"
 #include "tradebook/BarContext.h"
@@ -23,6 +24,8 @@ class CDravelBar final : public CVELTSDockingControlBar, private Dravel::IOpenin
     struct Callbacks {
         // The book is there but for the trades that waited: they are to enter it now.
         std::function<void()> enterWaiting;
+        // The opening is through, and what enters the book can be saved.
+        std::function<void()> through;
         // The window is no more; it may delete the bar.
         std::function<void()> gone;
     };
@@ -31,6 +34,8 @@ class CDravelBar final : public CVELTSDockingControlBar, private Dravel::IOpenin
 
     CDravelGrid* Grid() { return grid_.get(); }
     Dravel::TradeBook& Book() { return book_; }
+    // Which trades that waited are safe in it.
+    Dravel::IWaitingLedger& Ledger() { return ledger_; }
 
     // Opens the book, as far as it can be had now; from its creation on the bar goes on trying by itself. The
     // terminal may end the bar while it hears of the book.
@@ -38,7 +43,8 @@ class CDravelBar final : public CVELTSDockingControlBar, private Dravel::IOpenin
     // The book is there: it takes trades, answers and asks.
     bool BookThere() const { return opening_.Through(); }
 
-    // Docks or floats where it was when it last went.
+    // Docks or floats where it was when it last went. Called again, it moves the bar only when nobody else
+    // has: the settings may come late.
     void TakePlace();
     // Ends an open edit, then asks when something changed since the last save and the bar is shown. False:
     // validation has spoken, and the grid is not to be left.
@@ -75,7 +81,6 @@ class CDravelBar final : public CVELTSDockingControlBar, private Dravel::IOpenin
 
     void EndJournal();
     void TellOfJournal(const Dravel::JournalOpening& opening, std::uint64_t changes);
-    void KeepTrying(bool on);
     void HideAndTell();
     bool Occupied() const;
     bool HasUnsaved();
@@ -84,12 +89,16 @@ class CDravelBar final : public CVELTSDockingControlBar, private Dravel::IOpenin
     void StatusStale();
     void ShowStatus();
     void KeepLayout();
+    void WatchFiles();
+    void RetryFiles();
+    void TellOfSettings();
 
     Dravel::BarContext context_;
     Callbacks callbacks_;
     Dravel::TradeBook book_;
     Dravel::BookFile store_;
     Dravel::BookJournal journal_;
+    Dravel::JournalLedger ledger_;
     Dravel::BookOpening opening_;
     std::unique_ptr<CDravelGrid> grid_;
     Dravel::StatusLine status_;
@@ -104,4 +113,5 @@ class CDravelBar final : public CVELTSDockingControlBar, private Dravel::IOpenin
     std::string warned_;  // of unsaved work that is not protected
     // What was saved when the frame stayed open because a save at its closing failed.
     std::optional<Dravel::FileSum> stayedAt_;
+    std::optional<Dravel::DockState> placed_;  // where TakePlace has put the bar
 };

@@ -9,16 +9,7 @@
 
 using namespace Dravel;
 
-static constexpr UINT_PTR kTryTimer = 1;
-
-// For as long as the bar lives, shown or hidden: the timer goes with its window.
-void CDravelBar::KeepTrying(bool on) {
-    if (on) {
-        SetTimer(static_cast<HWND>(Window()), kTryTimer, BookOpening::kTryEvery, nullptr);
-    } else {
-        KillTimer(static_cast<HWND>(Window()), kTryTimer);
-    }
-}
+static constexpr UINT_PTR kRetryTimer = 1;
 
 // What the status line leaves of the content.
 Rect CDravelBar::GridRoom(const Rect& content) const {
@@ -49,6 +40,12 @@ void CDravelBar::OnSetFocus() {
     if (grid_) SetFocus(static_cast<HWND>(grid_->Window()));
 }
 
+// For as long as the bar lives, shown or hidden: the timer goes with its window.
+void CDravelBar::WatchFiles() {
+    SetTimer(static_cast<HWND>(Window()), kRetryTimer, BookOpening::kTryEvery, nullptr);
+    Post([this] { RetryFiles(); });
+}
+
 // Nobody types into what he does not see, wherever the key comes from.
 bool CDravelBar::PreTranslateMessage(void*, std::uint32_t message, std::uintptr_t wparam,
                                      std::intptr_t lparam) {
@@ -62,8 +59,9 @@ bool CDravelBar::PreTranslateMessage(void*, std::uint32_t message, std::uintptr_
 // A click on the last notice shows them all, one on what the last import came to shows its report.
 bool CDravelBar::OnMessage(std::uint32_t message, std::uintptr_t wparam, std::intptr_t lparam,
                            std::intptr_t& result) {
-    if (message == WM_TIMER && wparam == kTryTimer) {
-        opening_.Try();
+    if (message == WM_TIMER && wparam == kRetryTimer) {
+        RetryFiles();
+        result = 0;
         return true;
     }
     const int part = message == WM_NOTIFY ? status_.ClickedPart(lparam) : -1;

@@ -51,7 +51,7 @@ bool CDravelGrid::OnCreate() {
     SetAccelerators(kKeys);
     SetSource(this);
     RestoreColumnOrder();
-    divisors_.Load(context_.files, context_.folder.Divisors());
+    divisorFault_ = divisors_.Load(context_.files, context_.folder.Divisors());
     AcceptFiles();
     AnnounceGrid();
     return true;

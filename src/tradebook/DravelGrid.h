@@ -184,6 +184,7 @@ class CDravelGrid final : public CVELTSGridCtrl,
     // The commands about the look of the grid and its export. False: none of them.
     bool LayoutCommand(std::uint32_t id);
     void ExportCsv();
+    bool KnowDivisors();
     void WriteExport(const std::filesystem::path& path);
     void ChooseFields();
     void EditProperties();
@@ -211,10 +212,11 @@ class CDravelGrid final : public CVELTSGridCtrl,
     Dravel::TradeItem selectedAtFirst_ = Dravel::kNoItem;  // when the first row was added
     std::function<void()> statusListener_;
     Dravel::PriceDivisors divisors_;
-    std::string said_;          // about the text that was typed last
-    bool saidStays_ = false;    // also when another cell opens: nobody looked at the status line yet
-    std::string askedAbout_;    // the text of the open cell that would be taken only in part
-    bool committed_ = false;    // the last edit brought its row into the book
-    bool spoken_ = false;       // validation spoke at the end of the last edit
-    bool gateRefused_ = false;  // what was said is the refusal of the gate
+    std::string said_;                 // about the text that was typed last
+    bool saidStays_ = false;           // also when another cell opens: nobody looked at the status line yet
+    std::string askedAbout_;           // the text of the open cell that would be taken only in part
+    bool committed_ = false;           // the last edit brought its row into the book
+    bool spoken_ = false;              // validation spoke at the end of the last edit
+    bool gateRefused_ = false;         // what was said is the refusal of the gate
+    Dravel::FileStatus divisorFault_;  // why they are not known
 };

@@ -33,8 +33,20 @@ void RememberFolder(const BarContext& context, const std::filesystem::path& fold
 
 }  // namespace
 
+// Without them prices would be exported undivided, and nobody could tell.
+bool CDravelGrid::KnowDivisors() {
+    if (!divisorFault_) divisorFault_ = divisors_.Load(context_.files, context_.folder.Divisors());
+    if (!divisorFault_)
+        user_.Box(
+            FaultText("PriceDivisor.csv cannot be read, and the prices would not be divided. Nothing was "
+                      "exported",
+                      divisorFault_),
+            kCaption, Buttons::Ok, Icon::Error);
+    return static_cast<bool>(divisorFault_);
+}
+
 void CDravelGrid::ExportCsv() {
-    if (book_.RowCount() == 0) return;
+    if (book_.RowCount() == 0 || !KnowDivisors()) return;
     const std::string name =
         "DravelBook_" + FormatDate(context_.clock.Now(), "yyyyMMdd", context_.clock) + ".CSV";
     FileDialogParams params;

@@ -101,6 +101,8 @@ class IEntry {
     virtual std::string ImportSummary() const = 0;
     // The report about it, in a window of its own; nothing when there was none.
     virtual void ShowImportReport(void* owner) = 0;
+    // Every two seconds: reads and writes what could not be read or written before.
+    virtual void RetryFiles() = 0;
     // An import runs: the bar must neither hide nor close.
     virtual bool Busy() const = 0;
 };

@@ -96,10 +96,10 @@ void TradeBook::FindSecurity(TradeRecord& record) {
     if (record.security) FillContract(record, *record.security);
 }
 
-std::int32_t TradeBook::Add(TradeRecord& record) {
+std::int32_t TradeBook::Add(TradeRecord& record, const ChangeSource& source) {
     FindSecurity(record);
     record.veltTradeID = record.veltOrderID = static_cast<std::uint32_t>(NextIdentifier());
-    AddTrade(record, DuplicateKey(record), false, source_);
+    AddTrade(record, DuplicateKey(record), false, source);
     return IdentifierOf(record);
 }
 
@@ -113,14 +113,14 @@ std::uint32_t TradeBook::AddUnlessHeld(TradeRecord& record, const ChangeSource& 
     return 0;
 }
 
-std::int32_t TradeBook::AddFromHost(TradeRecord& record) {
+std::int32_t TradeBook::AddFromHost(TradeRecord& record, const ChangeSource& source) {
     FindSecurity(record);
     if (!HasIdentifier(record) || trades_.Contains(IdentifierOf(record))) {
         record.veltTradeID = static_cast<std::uint32_t>(NextIdentifier());
     }
     if (record.veltOrderID == 0) record.veltOrderID = record.veltTradeID;
     counter_ = std::max(counter_, std::uint32_t{record.veltTradeID});
-    AddTrade(record, DuplicateKey(record), true, {ChangeKind::Terminal, {}, 0});
+    AddTrade(record, DuplicateKey(record), true, source);
     return IdentifierOf(record);
 }
 

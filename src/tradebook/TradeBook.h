@@ -2,7 +2,9 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <span>
+#include <utility>
 #include <vector>
 
 #include "host/Host.h"
@@ -72,11 +74,12 @@ class TradeBook final : public ITradeSink {
 
     // A new trade, on top: takes the next value of the counter as VELTTradeID and VELTOrderID, enters its
     // key, is reported, sets the changed flag. Returns its identifier.
-    std::int32_t Add(TradeRecord& record);
+    std::int32_t Add(TradeRecord& record) { return Add(record, source_); }
+    std::int32_t Add(TradeRecord& record, const ChangeSource& source);
     std::uint32_t AddUnlessHeld(TradeRecord& record, const ChangeSource& source) override;
     // A trade that the terminal hands over: as Add, but it keeps identifiers of its own, as VELTTradeID one
     // that nobody else holds, and is reported a second time too.
-    std::int32_t AddFromHost(TradeRecord& record);
+    std::int32_t AddFromHost(TradeRecord& record, const ChangeSource& source = {ChangeKind::Terminal, {}, 0});
     std::uint32_t HolderOf(const TradeRecord& record) const override;
     const SecurityMasterEntry* ContractOf(const TradeRecord& record) override {
         return securities_.Find(record);

@@ -37,8 +37,8 @@ class TradeIndex {
     // The identifier, which is there, goes over to another slot.
     void Move(std::int32_t identifier, TradeStore::Slot slot) {
         const auto place = static_cast<std::size_t>(identifier);
-        const bool near = place < near_.size() && near_[place] != kNone;
-        (near ? near_[place] : far_[identifier]) = slot;
+        const bool inArray = place < near_.size() && near_[place] != kNone;
+        (inArray ? near_[place] : far_[identifier]) = slot;
     }
     void Clear() {
         near_.clear();

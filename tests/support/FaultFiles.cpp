@@ -310,6 +310,15 @@ std::uint64_t FaultFiles::CrashState(const std::string& path) const {
     return state;
 }
 
+void FaultFiles::Format() {
+    Crash(Keep::Nothing);
+    ClearPlan();
+    CountAnew();
+    names_.clear();
+    folders_.clear();
+    written_ = 0;
+}
+
 void FaultFiles::Crash(Keep keep, std::size_t namesBack) {
     for (Handle* handle : handles_) {
         handle->Die();

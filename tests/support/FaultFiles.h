@@ -64,6 +64,8 @@ class FaultFiles final : public IFiles {
     void Crash(Keep keep, std::size_t namesBack = 0);
     // The process was killed: its handles are gone, the disk keeps everything.
     void Kill() { Crash(Keep::Everything); }
+    // An empty disk without a plan, as at first.
+    void Format();
 
     // Past all faults.
     const FileBytes& Content(const std::string& path) const;

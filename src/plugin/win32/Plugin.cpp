@@ -54,16 +54,21 @@ Plugin::Plugin()
       host_(reinterpret_cast<std::uintptr_t>(&OnPluginMessage)),
       clients_(SystemFiles(), host_, folder_.FormatSets()),
       reportWindow_(SystemFiles(), user_),
-      entry_({host_, user_, SystemFiles(), SystemClock(), clients_, &ShowImportDialog, reportWindow_}) {}
+      entry_({host_, user_, SystemFiles(), SystemClock(), clients_, &ShowImportDialog, reportWindow_}),
+      waiting_(SystemFiles(), SystemClock(), log_, folder_.Data(), GetCurrentProcessId()),
+      left_(SystemFiles(), SystemClock(), log_, folder_.Data()) {}
 
 Plugin::OpenBook::OpenBook(Plugin& plugin)
     : logThread(plugin.log_),
+      guard(SystemFiles(), SystemClock(), plugin.log_, settings, plugin.folder_.Settings()),
       answers(settings),
       notices(SystemClock()),
       bar({plugin.host_, plugin.user_, plugin.entry_, SystemFiles(), SystemClock(), plugin.folder_, settings,
-           plugin.log_, notices},
-          {[&plugin] { plugin.EnterWaiting(); }, [&plugin] { plugin.BarGone(); }}) {
-    settings.LoadFile(SystemFiles(), plugin.folder_.Settings());
+           plugin.log_, notices, guard},
+          {[&plugin] { plugin.EnterWaiting(); }, [&plugin] { plugin.AskAboutLeft(); },
+           [&plugin] { plugin.BarGone(); }}) {
+    guard.Open();
+    guard.WhenKnown([&plugin] { plugin.SettingsCame(); });
 }
 
 void Plugin::ShowBar() {
@@ -78,13 +83,20 @@ void Plugin::ShowBar() {
     if (open_) {
         open_->bar.Book().Securities().AskAgain();
         open_->bar.Show(true);
-        if (BookThere()) waiting_.DropPending();
+        if (BookThere()) waiting_.DiscardPending();
     } else {
         CreateBar();
         // The terminal may end the bar while it hears of the book.
         if (open_) open_->bar.OpenBook();
     }
     if (open_) open_->bar.Focus();
+}
+
+void Plugin::SettingsCame() {
+    open_->bar.Post([this] {
+        open_->bar.TakePlace();
+        open_->bar.OpenBook();
+    });
 }
 
 void Plugin::CreateBar() {
@@ -119,6 +131,8 @@ void Plugin::BarGone() {
     ClosePopups();
     user_.Attach(nullptr, nullptr, nullptr, nullptr);
     parting_ = true;
+    waiting_.BookGone();
+    left_.BookGone();
     // The bar may be gone under a box or a request of its own, which return to what it owned.
     struct Parting {
         Plugin& plugin;
@@ -139,7 +153,31 @@ void Plugin::PendingItems() {
 }
 
 void Plugin::EnterWaiting() {
-    while (open_ && waiting_.EnterNext(open_->bar.Book())) {
+    if (open_) waiting_.HandOver(open_->bar.Ledger(), waitingBook_);
+}
+
+// Trades of an earlier run. The question holds nothing up.
+void Plugin::AskAboutLeft() {
+    open_->bar.Post([this] { left_.Ask(user_, open_->bar.Ledger(), waitingBook_); });
+}
+
+bool Plugin::WaitingBook::Prepare(TradeRecord& record) {
+    if (plugin.open_ && !record.security)
+        record.security = plugin.open_->bar.Book().Securities().Find(record);
+    return plugin.open_ != nullptr;
+}
+
+std::uint64_t Plugin::WaitingBook::Revision() const {
+    return plugin.open_ ? plugin.open_->bar.Book().Revision() : 0;
+}
+
+void Plugin::WaitingBook::Enter(TradeRecord& record, const WaitingSource& source) {
+    TradeBook& book = plugin.open_->bar.Book();
+    const ChangeSource from{ChangeKind::Terminal, source.file, source.number};
+    if (source.kind == WaitingSource::Kind::Pending) {
+        book.Add(record, from);
+    } else {
+        book.AddFromHost(record, from);
     }
 }
 
@@ -158,10 +196,8 @@ void Plugin::TradeFromHost(CTagMessageReader& trade) {
     ReadTradeFrame(trade, record);
     if (BookThere()) {
         open_->bar.Book().AddFromHost(record);
-    } else if (open_) {
-        waiting_.KeepForBook(record);
     } else {
-        waiting_.KeepPending(record);
+        waiting_.Take(record, open_ ? WaitingSource::Kind::HeldBack : WaitingSource::Kind::Pending);
     }
 }
 

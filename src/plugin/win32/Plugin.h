@@ -6,6 +6,7 @@
 
 #include "entry/DlgImportReport.h"
 #include "entry/Entry.h"
+#include "plugin/LeftTrades.h"
 #include "plugin/MessageDispatch.h"
 #include "plugin/WaitingTrades.h"
 #include "plugin/win32/ScreenUser.h"
@@ -54,16 +55,26 @@ class Plugin final : public IPluginHandlers {
     };
 
     // Lives as long as the bar's window, and until the calls that are under way when that goes have ended.
-    // The bar is the last member because it uses the others.
+    // The bar stands behind what it uses.
     struct OpenBook {
         OpenBook(Plugin& plugin);
         LibraryUse use;  // the host may free the library too early
         LogThread logThread;
         CrashDumpThread crashDumpThread;
         CVELTPXMLSettings settings;
+        SettingsGuard guard;
         RememberedAnswers answers;
         NoticeList notices;
         CDravelBar bar;
+    };
+
+    // The book that is open, as trades that waited enter it.
+    struct WaitingBook final : IWaitingBook {
+        explicit WaitingBook(Plugin& owner) : plugin(owner) {}
+        bool Prepare(TradeRecord& record) override;
+        std::uint64_t Revision() const override;
+        void Enter(TradeRecord& record, const WaitingSource& source) override;
+        Plugin& plugin;
     };
 
     Plugin();
@@ -72,7 +83,9 @@ class Plugin final : public IPluginHandlers {
     void BarGone();
     void LetGo(std::unique_ptr<OpenBook> gone);
     bool BookThere() const { return open_ && open_->bar.BookThere(); }
+    void SettingsCame();
     void EnterWaiting();
+    void AskAboutLeft();
 
     DataFolder folder_;
     CFileLog log_;
@@ -81,8 +94,10 @@ class Plugin final : public IPluginHandlers {
     ManualClients clients_;
     DlgImportReport reportWindow_;
     Entry entry_;
+    WaitingBook waitingBook_{*this};
+    WaitingTrades waiting_;  // that came while no book could take them
+    LeftTrades left_;        // of an earlier run
     std::unique_ptr<OpenBook> open_;
-    WaitingTrades waiting_;
     bool watching_ = false;  // for crashes
     bool showing_ = false;   // ShowBar runs
     bool parting_ = false;   // the bar's window is gone, what it owned is not

@@ -38,6 +38,18 @@ std::string_view TakeLevel(std::string_view& key) {
     return level;
 }
 
+void LayNodeOver(CVELTPXMLNode& below, const CVELTPXMLNode& changes) {
+    for (const auto& change : changes.Children()) {
+        CVELTPXMLNode* known = below.Find(change->Name());
+        if (known == nullptr) known = &below.Append(change->Name());
+        if (!change->Children().empty()) {
+            if (known->Value().empty()) LayNodeOver(*known, *change);
+        } else if (known->Children().empty()) {
+            known->SetValue(change->Value());
+        }
+    }
+}
+
 }  // namespace
 
 CVELTPXMLNode* CVELTPXMLNode::Find(std::string_view name) const {
@@ -169,6 +181,17 @@ bool CVELTPXMLSettings::LoadTextForm(std::string_view text) {
     currentUser_ = std::move(root);
     current_ = nullptr;
     return true;
+}
+
+bool CVELTPXMLSettings::IsWhole(std::string_view text) {
+    const std::string end = "</" + std::string(VELTPXMLText::kRootName) + ">";
+    const std::size_t last = text.find_last_not_of(" \t\r\n");
+    return last != text.npos && text.substr(0, last + 1).ends_with(end);
+}
+
+void CVELTPXMLSettings::LayOver(const CVELTPXMLSettings& changes) {
+    LayNodeOver(*currentUser_, *changes.currentUser_);
+    current_ = nullptr;
 }
 
 std::string CVELTPXMLSettings::TextForm() const {

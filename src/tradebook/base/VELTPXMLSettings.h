@@ -71,6 +71,12 @@ class CVELTPXMLSettings final : public CKRVPRegistry {
 
     // The text of the file, with LF; the CURRENT_USER tree.
     bool LoadTextForm(std::string_view text);
+    // Whether the text ends as a file does that was written to its end. One that was cut short loads all the
+    // same, without what stood behind the cut.
+    static bool IsWhole(std::string_view text);
+    // Puts every value of `changes` into this store; where one of the two has a key and the other a value of
+    // that name, this store's stays. No key is open afterwards.
+    void LayOver(const CVELTPXMLSettings& changes);
     std::string TextForm() const;
 
     const CVELTPXMLNode& CurrentUser() const { return *currentUser_; }
