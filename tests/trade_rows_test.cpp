@@ -318,6 +318,8 @@ TEST(TradeRowsTest, EachColumnFiltersByItsOwnRule) {
             rig.rows.RowEdited(item);
             EXPECT_EQ(rig.rows.RowCount(), passes ? 1u : 0u) << column << " " << filter << " edited";
         }
+        rig.rows.Arrange({{}, {column}, {}});
+        EXPECT_EQ(rig.rows.RowCount(), 2u) << column << " has a group with its head";
         rig.rows.Arrange({});
     }
 }

@@ -29,7 +29,6 @@ class CKRVPDockingControlBar {
     bool Create(void* frame, const wchar_t* name, const Dravel::Rect& floating, std::uint32_t id);
     void Destroy();
     void* Window() const { return window_; }
-    void* Frame() const { return frame_; }
     std::uint32_t BarID() const { return id_; }
     // The bar of a window of kBarClass, or of one of its children; null: none.
     static CKRVPDockingControlBar* FromWindow(void* window);

@@ -72,9 +72,8 @@ class CDravelGrid final : public CVELTSGridCtrl,
     // What the gate says is another thing now.
     void GateChanged();
 
-    // Trades that the filter lets pass, and all.
+    // Trades that the filter lets pass.
     std::uint32_t ShownTrades() const { return rows_.ShownTrades(); }
-    std::uint32_t TradeCount() const { return book_.RowCount(); }
     // Puts the rows into the order and selection of rows that the model's sort marks, groups and filter texts
     // say. The grid calls it when the user changed them; whoever else does calls it afterwards.
     void ArrangeRows();

@@ -138,7 +138,6 @@ class TradeBook final : public ITradeSink {
     // Counts the changes of the book since it was made; two equal values mean the same trades.
     std::uint64_t Revision() const { return revision_; }
     void SetChanged(bool changed);
-    bool AnalysisOnly() const { return analysisOnly_; }
     void SetAnalysisOnly(bool on) { analysisOnly_ = on; }
     const RunningTotals& Totals() const { return totals_; }
     // What finds the terminal's entry of a trade's contract, for whoever reads stored trades.

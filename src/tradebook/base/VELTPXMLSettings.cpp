@@ -60,7 +60,7 @@ CVELTPXMLNode* CVELTPXMLNode::Find(std::string_view name) const {
 
 CVELTPXMLNode& CVELTPXMLNode::Append(std::string name) {
     value_.clear();
-    return *children_.emplace_back(std::make_unique<CVELTPXMLNode>(std::move(name), this));
+    return *children_.emplace_back(std::make_unique<CVELTPXMLNode>(std::move(name)));
 }
 
 CVELTPXMLSettings::CVELTPXMLSettings(Hive hive)
