@@ -69,6 +69,7 @@ class BookFile final : public KRV::VELT::CKRVTradeImpl {
     bool SalvagesDamage() const override { return true; }
 
  private:
+    bool IsAsSaved();
     KRV::VELT::TradeLoadReport FindChanged(const KRV::VELT::TradeLoadReport& loaded);
     SaveResult SaveLocked(const BookImage& image);
     SaveResult SwapIn();
