@@ -42,6 +42,7 @@ struct Rows final : IRowDisplay {
     void Reordered(std::uint32_t, const std::function<std::uint32_t(std::uint32_t)>&) override {}
     void Reset() override {}
     void Changed(std::uint32_t) override { ++shown; }
+    bool Hides(const ColumnFilter&, TradeItem) const override { return false; }
 
     TradeRows rows;
     std::uint64_t shown = 0;

@@ -53,6 +53,7 @@ struct NoDisplay final : IRowDisplay {
     void Reordered(std::uint32_t, const std::function<std::uint32_t(std::uint32_t)>&) override {}
     void Reset() override {}
     void Changed(std::uint32_t) override {}
+    bool Hides(const ColumnFilter&, TradeItem) const override { return false; }
 };
 
 struct Bench {

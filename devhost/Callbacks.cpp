@@ -68,10 +68,12 @@ DEVHOST_EXPORT void GetMasterRequest(const MasterRequest* request, std::uint64_t
     TheTerminal().Mood().Spoil(*answer);
     TheTerminal().Log().Add(EntryKind::Callback, static_cast<std::uint16_t>(request->kind),
                             RequestText(*request) + AnswerText(*answer));
+    TheTerminal().Callbacks().Leave("GetMasterRequest");
 }
 
 DEVHOST_EXPORT void PluginDataSend(CTagMessageWriter* frame) {
     if (frame) LogFrame(EntryKind::FromPlugin, frame);
+    TheTerminal().Callbacks().Leave("PluginDataSend");
 }
 
 DEVHOST_EXPORT void ApplicationFocus(HWND window, int flag) {
@@ -79,6 +81,7 @@ DEVHOST_EXPORT void ApplicationFocus(HWND window, int flag) {
     if (window) GetClassNameW(window, type, 64);
     TheTerminal().Log().Add(EntryKind::Callback, 0,
                             "ApplicationFocus(" + Narrow(type) + ", " + NumberText(flag) + ")");
+    TheTerminal().Callbacks().Leave("ApplicationFocus");
 }
 
 // The terminal's own message entry. This one only writes down what was asked: the answer queue stays empty,
@@ -91,7 +94,9 @@ DEVHOST_EXPORT void OnMessage(CTagMessageWriter* request, CTagReceiveQueue*) {
 }
 
 DEVHOST_EXPORT std::uint32_t GetPluginBarID(const wchar_t* title, const wchar_t* key) {
-    return TheTerminal().BarID(title, key);
+    const std::uint32_t identifier = TheTerminal().BarID(title, key);
+    TheTerminal().Callbacks().Leave("GetPluginBarID");
+    return identifier;
 }
 
 #endif

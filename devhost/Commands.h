@@ -27,6 +27,7 @@ std::span<const CommandEntry> BarCommands();
 std::span<const CommandEntry> HeaderCommands();
 std::span<const CommandEntry> CheckCommands();
 std::span<const CommandEntry> FileCommands();
+std::span<const CommandEntry> InputCommands();
 // nullptr when there is no command of this name.
 const CommandEntry* FindCommand(std::string_view name);
 

@@ -157,6 +157,7 @@ void ResourcesCommand(Stage& stage, const Words& words) {
     }
     if (words[0] != "compare") Fail("mark or compare");
     const auto tolerance = words.size() > 1 ? NumberOf<std::uint32_t>(words[1]) : 0;
+    const auto kilobytes = words.size() > 2 ? NumberOf<std::uint32_t>(words[2]) : 0;
     const ResourceCount before = stage.resources;
     ResourceCount now;
     // Threads of the system's pool that carried the last unloading may still be on their way out.
@@ -165,7 +166,8 @@ void ResourcesCommand(Stage& stage, const Words& words) {
             now = CountResources();
             return now.handles <= before.handles + tolerance && now.threads <= before.threads + tolerance &&
                    now.windows <= before.windows && now.user <= before.user + tolerance &&
-                   now.gdi <= before.gdi + tolerance;
+                   now.gdi <= before.gdi + tolerance &&
+                   (kilobytes == 0 || now.memory <= before.memory + std::uint64_t{kilobytes} * 1024);
         },
         stage.limit);
     stage.Report(ResourceText(now));
@@ -239,7 +241,7 @@ constexpr CommandEntry kCommands[] = {
     {"expect-visible", "bar|grid yes|no", 2, 2, ExpectVisible},
     {"expect-focus", "bar|grid|CLASS", 1, 1, ExpectFocus},
     {"wait-file", "PATH [gone]", 1, 2, WaitFile},
-    {"resources", "mark | compare [TOLERANCE]", 1, 2, ResourcesCommand},
+    {"resources", "mark | compare [TOLERANCE [KB]]", 1, 3, ResourcesCommand},
     {"timing", "start|stop NAME", 2, 2, Timing},
     {"watch-paints", "", 0, 0, WatchPaints},
     {"expect-paints", "LEAST", 1, 1, ExpectPaints},
@@ -257,7 +259,7 @@ std::span<const CommandEntry> CheckCommands() {
 
 const CommandEntry* FindCommand(std::string_view name) {
     for (const auto table : {PluginCommands(), DialogCommands(), GridCommands(), HeaderCommands(),
-                             BarCommands(), CheckCommands(), FileCommands()})
+                             BarCommands(), CheckCommands(), FileCommands(), InputCommands()})
         for (const CommandEntry& command : table)
             if (command.name == name) return &command;
     return nullptr;

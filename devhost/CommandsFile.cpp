@@ -2,6 +2,8 @@
 #include <algorithm>
 #include <fstream>
 #include <iterator>
+#include <map>
+#include <string>
 
 #include "Commands.h"
 #include "Dialogs.h"
@@ -107,7 +109,7 @@ void FileDialog(Stage& stage, const Words& words) {
     Confirm(stage, stage.scriptFolder / FromUtf8(words[0]));
 }
 
-// As a program that writes the file and may delete it.
+// As a program that writes the file and may delete it, or as one that lets nobody else near it.
 HANDLE heldFile = INVALID_HANDLE_VALUE;
 
 void ReleaseFile(Stage&, const Words&) {
@@ -117,10 +119,65 @@ void ReleaseFile(Stage&, const Words&) {
 
 void HoldFile(Stage& stage, const Words& words) {
     ReleaseFile(stage, words);
-    heldFile = CreateFileW(FromUtf8(words[0]).c_str(), GENERIC_READ | GENERIC_WRITE | DELETE,
-                           FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr, OPEN_EXISTING, 0,
-                           nullptr);
+    const bool alone = words.size() > 1 && words[1] == "alone";
+    if (words.size() > 1 && !alone) Fail("\"alone\" or nothing");
+    const DWORD share = alone ? 0u : FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
+    heldFile = CreateFileW(OfProgram(words[0]).c_str(), GENERIC_READ | GENERIC_WRITE | DELETE, share, nullptr,
+                           OPEN_EXISTING, 0, nullptr);
     if (heldFile == INVALID_HANDLE_VALUE) Fail("the file cannot be opened");
+}
+
+// As a program that lets nobody else near the file: a virus scanner, a backup. Several at a time.
+std::map<std::wstring, HANDLE> kept;
+
+void LetGo(Stage&, const Words& words) {
+    const auto found = kept.find(OfProgram(words[0]).native());
+    if (found == kept.end()) Fail("it is not held");
+    CloseHandle(found->second);
+    kept.erase(found);
+}
+
+void Hold(Stage& stage, const Words& words) {
+    const std::wstring path = OfProgram(words[0]).native();
+    HANDLE file = INVALID_HANDLE_VALUE;
+    stage.Until(
+        [&] {
+            file = CreateFileW(path.c_str(), GENERIC_READ | GENERIC_WRITE, 0, nullptr, OPEN_EXISTING, 0,
+                               nullptr);
+            return file != INVALID_HANDLE_VALUE;
+        },
+        "the file cannot be opened");
+    kept.insert({path, file});
+}
+
+// Another terminal in the same folder, which carries out a script of its own.
+HANDLE otherTerminal = nullptr;
+
+void StartTerminal(Stage& stage, const Words& words) {
+    wchar_t self[MAX_PATH];
+    if (GetModuleFileNameW(nullptr, self, MAX_PATH) == MAX_PATH) Fail("the program's path is too long");
+    const fs::path out = stage.File("other");
+    fs::create_directories(out);
+    std::wstring line = L"\"" + std::wstring(self) + L"\" --script \"" +
+                        (stage.scriptFolder / OfProgram(words[0])).native() + L"\" --out \"" + out.native() +
+                        L"\"";
+    STARTUPINFOW startup{};
+    startup.cb = sizeof startup;
+    PROCESS_INFORMATION made{};
+    if (!CreateProcessW(self, line.data(), nullptr, nullptr, FALSE, 0, nullptr, nullptr, &startup, &made))
+        Fail("it does not start");
+    CloseHandle(made.hThread);
+    otherTerminal = made.hProcess;
+}
+
+void WaitTerminal(Stage& stage, const Words&) {
+    if (!otherTerminal) Fail("there is none");
+    stage.Until([] { return WaitForSingleObject(otherTerminal, 0) == WAIT_OBJECT_0; }, "it still runs");
+    DWORD code = 1;
+    GetExitCodeProcess(otherTerminal, &code);
+    CloseHandle(otherTerminal);
+    otherTerminal = nullptr;
+    if (code != 0) Fail("its script failed, see other\\script.log");
 }
 
 constexpr CommandEntry kCommands[] = {
@@ -132,8 +189,12 @@ constexpr CommandEntry kCommands[] = {
     {"copy-file", "PATH FILE", 2, 2, CopyFileCommand},
     {"save-as", "FILE", 1, 1, SaveAs},
     {"file-dialog", "PATH", 1, 1, FileDialog},
-    {"hold-file", "PATH", 1, 1, HoldFile},
+    {"hold-file", "PATH [alone]", 1, 2, HoldFile},
+    {"start-terminal", "SCRIPT", 1, 1, StartTerminal},
+    {"wait-terminal", "", 0, 0, WaitTerminal},
     {"release-file", "", 0, 0, ReleaseFile},
+    {"hold", "PATH", 1, 1, Hold},
+    {"let-go", "PATH", 1, 1, LetGo},
 };
 
 }  // namespace

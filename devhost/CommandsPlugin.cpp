@@ -29,8 +29,13 @@ void Load(Stage& stage, const Words&) {
     OnUiOrFail(stage, [&](std::string& error) { stage.Host().LoadPlugin(error); });
 }
 
-void Unload(Stage& stage, const Words&) {
+// Does not wait until it is gone: a box of the library's may still be up.
+void AskUnload(Stage& stage, const Words&) {
     stage.OnUi([&] { stage.Host().UnloadPlugin(); });
+}
+
+void Unload(Stage& stage, const Words& words) {
+    AskUnload(stage, words);
     // The library may give its last reference back on a thread of the system's.
     stage.Until([] { return !GetModuleHandleW(kModule); }, "the library is not let go");
 }
@@ -158,6 +163,13 @@ void MasterAnswers(Stage& stage, const Words& words) {
     if (!known) Fail("no such mood");
 }
 
+void CallbacksEnd(Stage& stage, const Words& words) {
+    const std::string name = words.size() > 1 ? words[1] : std::string();
+    const auto known = stage.AskUi<bool>(
+        [&stage, mood = words[0], name] { return stage.Host().Callbacks().Set(mood, name); });
+    if (!known) Fail("no such mood");
+}
+
 void MakeContracts(Stage& stage, const Words& words) {
     std::uint32_t count = 0;
     if (!ParseNumber(words[0], count)) Fail("not a number");
@@ -185,11 +197,18 @@ int Recurse(int depth) {
 void StackOverflow() {
     recurse(0);
 }
+// As the system does it: nobody in the process hears of it.
+void Kill() {
+    TerminateProcess(GetCurrentProcess(), 9);
+}
 
 constexpr struct {
     std::string_view name;
     void (*crash)();
-} kCrashes[] = {{"access-violation", AccessViolation}, {"throw", Throw}, {"stack-overflow", StackOverflow}};
+} kCrashes[] = {{"access-violation", AccessViolation},
+                {"throw", Throw},
+                {"stack-overflow", StackOverflow},
+                {"kill", Kill}};
 
 void Crash(Stage& stage, const Words& words) {
     for (const auto& kind : kCrashes) {
@@ -203,6 +222,7 @@ void Crash(Stage& stage, const Words& words) {
 constexpr CommandEntry kCommands[] = {
     {"load", "", 0, 0, Load},
     {"unload", "", 0, 0, Unload},
+    {"ask-unload", "", 0, 0, AskUnload},
     {"open", "", 0, 0, Open},
     {"open-by-message", "", 0, 0, OpenByMessage},
     {"close", "", 0, 0, DestroyBar},
@@ -217,6 +237,7 @@ constexpr CommandEntry kCommands[] = {
     {"expect-frames-of-flag", "FLAG CODE...", 1, 99, ExpectIntroduction},
     {"reenter-on", "GetPluginBarID | GetMasterRequest CODE [FIELD=VALUE...]", 1, 99, Reenter},
     {"master-answers", "normal|nothing|no-list|nulls|long [MILLISECONDS]", 1, 2, MasterAnswers},
+    {"callbacks", "work|throw|fault|round-up [NAME]", 1, 2, CallbacksEnd},
     {"make-contracts", "COUNT", 1, 1, MakeContracts},
     {"crash", "access-violation|throw|stack-overflow", 1, 1, Crash},
 };

@@ -4,7 +4,6 @@
 #include <windows.h>
 
 #include <intrin.h>
-#include <psapi.h>
 #include <tlhelp32.h>
 
 #include <algorithm>
@@ -102,6 +101,22 @@ std::uint32_t CountWineGdiObjects() {
     return static_cast<std::uint32_t>(used - 3 * contexts);
 }
 
+// What is taken from the heaps, ours and the plug-in's, who share one. The pages of the process say little:
+// the system takes and keeps them as it likes.
+std::uint64_t CountHeap() {
+    HANDLE heaps[64];
+    const DWORD count = std::min<DWORD>(GetProcessHeaps(64, heaps), 64);
+    std::uint64_t bytes = 0;
+    for (DWORD i = 0; i < count; ++i) {
+        PROCESS_HEAP_ENTRY block{};
+        HeapLock(heaps[i]);
+        while (HeapWalk(heaps[i], &block))
+            if (block.wFlags & PROCESS_HEAP_ENTRY_BUSY) bytes += block.cbData;
+        HeapUnlock(heaps[i]);
+    }
+    return bytes;
+}
+
 bool OnWine() {
     return GetProcAddress(GetModuleHandleW(L"ntdll.dll"), "wine_get_version") != nullptr;
 }
@@ -116,11 +131,7 @@ ResourceCount CountResources() {
     const bool wine = OnWine();
     count.user = wine ? CountMenus() : GetGuiResources(GetCurrentProcess(), GR_USEROBJECTS);
     count.gdi = wine ? CountWineGdiObjects() : GetGuiResources(GetCurrentProcess(), GR_GDIOBJECTS);
-    PROCESS_MEMORY_COUNTERS_EX memory{};
-    if (K32GetProcessMemoryInfo(GetCurrentProcess(), reinterpret_cast<PROCESS_MEMORY_COUNTERS*>(&memory),
-                                sizeof memory))
-        count.memory =
-            memory.PrivateUsage ? memory.PrivateUsage : memory.WorkingSetSize;  // Wine knows only the latter
+    count.memory = CountHeap();
     return count;
 }
 

@@ -8,7 +8,7 @@ namespace Dravel::DevHost {
 
 struct ResourceCount {
     std::uint32_t handles = 0, threads = 0, windows = 0, user = 0, gdi = 0;
-    std::uint64_t memory = 0;  // bytes, for the report only
+    std::uint64_t memory = 0;  // bytes taken from the heaps
 };
 
 // Windows are all of this process: top, child and message-only ones.

@@ -39,6 +39,7 @@ class Terminal {
     FrameLog& Log() { return log_; }
     MasterData& Master() { return master_; }
     MasterMood& Mood() { return mood_; }
+    CallbackMood& Callbacks() { return callbacks_; }
     PaintWatch& Paints() { return paints_; }
     Plugin& Loaded() { return plugin_; }
 
@@ -87,6 +88,7 @@ class Terminal {
     FrameLog log_;
     MasterData master_;
     MasterMood mood_;
+    CallbackMood callbacks_;
     PaintWatch paints_;
     Plugin plugin_;
     std::unique_ptr<FrameWindow> frameWindow_;

@@ -3,6 +3,8 @@
 #include <commctrl.h>
 
 #include <algorithm>
+#include <cfenv>
+#include <stdexcept>
 #include <utility>
 
 namespace Dravel::DevHost {
@@ -69,6 +71,27 @@ void MasterMood::LeaveOut(MasterAnswer& answer) {
     for (std::uint32_t i = 0; answer.list && i < answer.count; ++i)
         list_.push_back(i % 2 == 0 ? nullptr : answer.list[i]);
     if (answer.list) answer.list = list_.data();
+}
+
+bool CallbackMood::Set(std::string_view mood, std::string_view name) {
+    constexpr std::pair<std::string_view, void (*)()> kMoods[] = {
+        {"work", nullptr},
+        {"throw", [] { throw std::runtime_error("a callback of the terminal"); }},
+        {"fault", [] { *reinterpret_cast<volatile int*>(std::uintptr_t{64}) = 1; }},
+        {"round-up", [] { std::fesetround(FE_UPWARD); }},
+    };
+    for (const auto& [known, end] : kMoods) {
+        if (known != mood) continue;
+        name_ = name;
+        end_ = end;
+        std::fesetround(mood == "round-up" ? FE_UPWARD : FE_TONEAREST);
+        return true;
+    }
+    return false;
+}
+
+void CallbackMood::Leave(std::string_view name) const {
+    if (end_ && (name_.empty() || name_ == name)) end_();
 }
 
 void PaintWatch::Start(HWND window) {

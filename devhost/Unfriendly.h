@@ -43,6 +43,21 @@ class MasterMood {
     std::vector<const char*> list_;
 };
 
+// Callbacks that go wrong. User-interface thread.
+class CallbackMood {
+ public:
+    // What the callback of that name does from now on, every one without a name: "work", "throw" an
+    // exception, "fault", or come back with the rounding mode set "round-up", which the terminal's own thread
+    // is left in, too. False: no such mood.
+    bool Set(std::string_view mood, std::string_view name);
+    // Called by each callback when its work is done.
+    void Leave(std::string_view name) const;
+
+ private:
+    void (*end_)() = nullptr;
+    std::string name_;
+};
+
 // Counts the paints of a window from Start on, and finds the longest time between two of them. The window
 // must live until Stop. User-interface thread.
 class PaintWatch {

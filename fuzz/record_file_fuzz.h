@@ -103,7 +103,7 @@ inline void FuzzRecordFile(const std::uint8_t* data, std::size_t size) {
     const std::filesystem::path book = "Data/Book.ada";
     disk.files[book].assign(data, data + size);
     BookFile file(disk, clock, log, {"Data", "Backup", "Book"});
-    Require(file.Acquire(), "a book that nobody holds is ours");
+    Require(static_cast<bool>(file.Acquire()), "a book that nobody holds is ours");
 
     std::vector<TradeRecord> trades;
     BookImage image;

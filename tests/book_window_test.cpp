@@ -37,6 +37,9 @@ TEST(BookStatusTest, CountsAreGroupedAndAFilterIsSeen) {
     EXPECT_EQ(some[statuspart::Bought], "Bought 100");
     EXPECT_EQ(some[statuspart::Sold], "Sold 18,446,744,073,709,551,615");
     EXPECT_EQ(some[statuspart::Changed], "Not saved");
+    EXPECT_EQ(StatusTexts({.beingTyped = 1})[statuspart::Changed], "Saved, 1 row is still being typed");
+    EXPECT_EQ(StatusTexts({.beingTyped = 1200, .changed = true})[statuspart::Changed],
+              "Not saved, 1,200 rows are still being typed");
 }
 
 TEST(NoticeListTest, AnOlderNoticeMakesRoom) {

@@ -14,6 +14,7 @@ namespace fake = Test;
 namespace {
 
 constexpr char kFile[] = "root/ColumnProfile/P/ColumnProfile.xml";
+constexpr char kDamaged[] = "root/ColumnProfile/P/ColumnProfile.xml.damaged";
 
 // Columns a, b, c, d of widths 10, 20, 30, 40; d is hidden.
 class ProfileTest : public testing::Test {
@@ -179,9 +180,47 @@ TEST_F(ProfileTest, EveryDamagedFileGivesALayoutAndIsMended) {
         for (int i = 0; i < 4; ++i)
             ASSERT_LE(grid->Columns()[i].width, kMaxColumnWidth);
         const std::string shown = Layout();
+        const bool told = !profile->TakeNotice().empty();
         ASSERT_TRUE(profile->Save(*grid, multiple));
         Open();
         ASSERT_EQ(Layout(), shown) << std::string(bytes.begin(), bytes.end());
+        ASSERT_EQ(told, disk.Has(kDamaged));
+        if (!told) continue;
+        ASSERT_EQ(disk.Content(kDamaged), bytes);
+        disk.Remove(kDamaged);
+    }
+}
+
+// What the user changed before the file could be read stays; all else is the file's.
+TEST_F(ProfileTest, AFileThatIsHeldIsTakenOverLaterUnderTheUsersChanges) {
+    using Change = void (*)(GridModel&);
+    const struct {
+        Change change;
+        const char* layout;
+    } kCases[] = {
+        {[](GridModel&) {}, "d7l c30r a10l - b20l +c/a"},
+        {[](GridModel& model) { model.Columns().SetWidth(2, 99); }, "d7l c99r a10l - b20l +c/a"},
+        {[](GridModel& model) { model.Columns().Move(2, 0); }, "c30r a10l d7l - b20l +c/a"},
+        {[](GridModel& model) { model.Columns().SetVisible(0, false); }, "c30r d7l - a10l b20l +c/a"},
+        {[](GridModel& model) { model.Sort().Set(0, false, true); }, "d7l c30r a10l - b20l -a/a"},
+        {[](GridModel& model) { model.Groups().Add(3); }, "d7l c30r a10l - b20l +c/d"},
+    };
+    for (const auto& [change, layout] : kCases) {
+        File("d.Width=7 d.Visible=1 d.Order=0 c.Order=1 c.Align=1 a.Order=2 b.Visible=0 c.Sort=1 a.Group=0");
+        const fake::FileBytes before = disk.Content(kFile);
+        std::unique_ptr<IFile> scanner;
+        ASSERT_TRUE(disk.Open(kFile, FileMode::ReadWrite, FileShare::DenyAll, scanner));
+        Open();
+        EXPECT_EQ(Layout(), "a10l b20l c30l - d40l ");
+        change(*grid);
+        EXPECT_FALSE(profile->Save(*grid, multiple));
+        EXPECT_FALSE(profile->Retry(*grid, multiple));
+        scanner.reset();
+        EXPECT_EQ(disk.Content(kFile), before);
+        EXPECT_TRUE(profile->Retry(*grid, multiple));
+        EXPECT_EQ(Layout(), layout);
+        Open();
+        EXPECT_EQ(Layout(), layout) << "saved when it could be read";
     }
 }
 

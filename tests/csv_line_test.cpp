@@ -1,7 +1,9 @@
 // Lines and cells of comma-separated files, against a slow reading of the same bytes.
 #include <gtest/gtest.h>
 
+#include <cstring>
 #include <random>
+#include <utility>
 
 #include "formatset/CsvLine.h"
 #include "support/FakeClock.h"
@@ -17,14 +19,19 @@ using Strings = std::vector<std::string>;
 
 class CsvLineFiles : public testing::Test {
  protected:
-    Strings Lines(const std::string& text, std::size_t block = 16) {
+    // Of a line that is longer than `longest` its beginning, with "..." behind.
+    Strings Lines(const std::string& text, std::size_t block = 16, std::size_t longest = kLongestLine) {
         disk.Put("f.csv", FileBytes(text.begin(), text.end()));
         std::unique_ptr<IFile> file;
         EXPECT_TRUE(disk.Open("f.csv", FileMode::Read, FileShare::DenyNone, file));
-        CsvLines lines(*file, block);
+        CsvLines lines(*file, block, longest);
         Strings read;
-        for (std::string_view line; lines.Next(line);)
-            read.emplace_back(line);
+        for (std::string_view line; lines.Next(line);) {
+            read.emplace_back(line) += lines.TooLong() ? "..." : "";
+            // Piece by piece, or left to Next.
+            for (std::uint64_t from = lines.Position(); text.size() % 2 == 0 && !lines.PassRest();)
+                EXPECT_LE(lines.Position() - std::exchange(from, lines.Position()), 2 * (longest + block));
+        }
         failed = lines.Failed();
         EXPECT_EQ(lines.Position(), text.size());
         return read;
@@ -34,7 +41,7 @@ class CsvLineFiles : public testing::Test {
     bool failed = false;
 };
 
-Strings SlowLines(std::string text) {
+Strings SlowLines(std::string text, std::size_t longest) {
     Strings lines;
     std::string line;
     const bool open = !text.empty() && text.back() != '\n';
@@ -42,6 +49,11 @@ Strings SlowLines(std::string text) {
     for (const char c : text) {
         if (c != '\n') {
             line += c;
+            continue;
+        }
+        if (line.size() > longest) {
+            lines.push_back(line.substr(0, longest) + "...");
+            line.clear();
             continue;
         }
         if (line.ends_with('\r')) line.pop_back();
@@ -66,9 +78,12 @@ TEST_F(CsvLineFiles, AgreeWithASlowReadingAtEveryBlockEdge) {
     std::mt19937 random(11);
     for (int i = 0; i < 3000; ++i) {
         std::string text = i % 3 == 0 ? "\xEF\xBB\xBF" : "";
+        const char* const bytes = i % 2 == 0 ? "\r\n\nab,\xC3" : "ab,\n\r,cdefghijklmnopqrs,";
         for (std::uint32_t n = random() % 120; n > 0; --n)
-            text += "\r\n\nab,\xC3"[random() % 7];
-        ASSERT_EQ(Lines(text, 16 + random() % 5), SlowLines(text)) << testing::PrintToString(text);
+            text += bytes[random() % std::strlen(bytes)];
+        const std::size_t longest = i % 5 == 0 ? kLongestLine : 3 + random() % 40;
+        ASSERT_EQ(Lines(text, 16 + random() % 5, longest), SlowLines(text, longest))
+            << testing::PrintToString(text) << longest;
     }
 }
 

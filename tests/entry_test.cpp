@@ -13,6 +13,7 @@ namespace Dravel {
 namespace {
 
 using Test::FakeLog;
+using Test::Strings;
 
 struct Nobody final : IImportReportView, IUiThread {
     void Show(void*, std::shared_ptr<const ImportReport>) override {}
@@ -38,7 +39,8 @@ class ImportDialogs : public testing::Test, protected Test::ImportRig {
     DataFolder folder{"."};
     CVELTPXMLSettings settings;
     NoticeList notices{clock};
-    BarContext bar{host, user, entry, disk, clock, folder, settings, log, notices};
+    SettingsGuard guard{disk, clock, log, settings, folder.Settings()};
+    BarContext bar{host, user, entry, disk, clock, folder, settings, log, notices, guard};
 };
 
 TEST_F(ImportDialogs, OneThatThrewLetsTheNextOneOpen) {
@@ -68,6 +70,16 @@ TEST_F(ImportDialogs, TheBooksEndEndsTheRunWithoutAReport) {
     EXPECT_EQ(entry.ImportSummary(), "");
     EXPECT_FALSE(entry.Busy());
     entry.BookClosed();  // nothing is left to be ended
+}
+
+// An opening that broke off has no saver; "Yes" at closing must not pass for a save.
+TEST_F(ImportDialogs, ASaveOfABookThatIsNotOpenFailsAloud) {
+    entry.BookClosed();
+    user.answers = {kAnswerYes};
+    entry.AskToSave();
+    entry.Save();
+    const std::string failed = "Dravel|Dravel Save Failed\nThe book is closed.";
+    EXPECT_EQ(user.boxes, (Strings{"Dravel|Do you want to save Dravel", failed, failed}));
 }
 
 }  // namespace

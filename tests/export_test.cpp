@@ -167,7 +167,14 @@ TEST_F(ExportTest, TheTerminalsContractAndItsPriceDivisorCount) {
     EXPECT_EQ(Cell(column::Price), "300.000000");
     records[0].security = nullptr;
     EXPECT_EQ(Cell(column::Price), "300.000000");
-    divisors.Load(disk, "gone.csv");
+    // One that is there and cannot be read is not taken for none.
+    for (std::uint64_t k = 1; k <= 2; ++k) {
+        disk.plan = {.failAt = disk.Operations() + k, .fault = FileFault::InUse};
+        EXPECT_FALSE(divisors.Load(disk, "PriceDivisor.csv")) << k;
+        disk.ClearPlan();
+    }
+    EXPECT_TRUE(divisors.Load(disk, "PriceDivisor.csv"));
+    EXPECT_TRUE(divisors.Load(disk, "gone.csv"));
     records[0].security = &entry;
     SetText(entry.divisorKey, "KEY");
     EXPECT_EQ(Cell(column::Price), "300.000000");

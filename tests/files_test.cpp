@@ -8,6 +8,7 @@
 
 #include "platform/Clock.h"
 #include "platform/Files.h"
+#include "platform/LongPath.h"
 #ifdef _WIN32
 #include "platform/win32/UniqueHandle.h"
 #endif
@@ -21,7 +22,27 @@ struct Disk : ::testing::Test {
     Disk() : root(fs::temp_directory_path() / ("dravel-files-" + std::to_string(std::random_device()()))) {
         EXPECT_TRUE(files.MakeFolders(root / "a" / "b"));
     }
-    ~Disk() override { fs::remove_all(root); }
+    ~Disk() override {
+#ifdef _WIN32
+        RemoveTree(LongPathForm(root.wstring()));
+#else
+        fs::remove_all(root);
+#endif
+        EXPECT_FALSE(fs::exists(root));
+    }
+#ifdef _WIN32
+    // The standard library's loses its way in long paths.
+    static void RemoveTree(const std::wstring& folder) {
+        WIN32_FIND_DATAW found;
+        if (unique_find search(FindFirstFileW((folder + L"\\*").c_str(), &found)); search) {
+            do {
+                const std::wstring name = found.cFileName, path = folder + L'\\' + name;
+                if (!DeleteFileW(path.c_str()) && name != L"." && name != L"..") RemoveTree(path);
+            } while (FindNextFileW(search.get(), &found));
+        }
+        RemoveDirectoryW(folder.c_str());
+    }
+#endif
 
     bool Put(const char* name, std::string_view text, FileMode mode = FileMode::Create) {
         std::unique_ptr<IFile> file;
@@ -87,6 +108,52 @@ TEST_F(Disk, NamesMoveLinkAndReplace) {
     EXPECT_TRUE(files.MakeFolders(root / "a")) << "is there already";
     ASSERT_TRUE(Put("plain", ""));
     EXPECT_FALSE(files.MakeFolders(root / "plain"));
+}
+
+// A terminal may be installed deep down, and a backup's name is long.
+TEST_F(Disk, PathsMayBeLong) {
+    fs::path chain = "x";
+    for (int level = 0; level < 8; ++level)
+        chain /= std::string(40, static_cast<char>('a' + level));
+    const fs::path back = fs::current_path();
+    fs::current_path(root);
+    for (const fs::path& folder : {root / chain, chain / "relative", root / chain / ".." / "up"}) {
+        const fs::path file = folder / "file", other = folder / "other";
+        ASSERT_TRUE(files.MakeFolders(folder)) << folder;
+        ASSERT_TRUE(files.MakeFolders(folder)) << folder << " is there already";
+        EXPECT_EQ(files.Remove(file).fault, FileFault::NotFound);
+        std::unique_ptr<IFile> handle;
+        ASSERT_TRUE(files.Open(file, FileMode::Create, FileShare::DenyNone, handle)) << file;
+        EXPECT_TRUE(handle->Write("text", 4) && handle->Close());
+        ASSERT_TRUE(files.OpenLock(folder / "lock", handle));
+        handle.reset();
+        FileInfo info;
+        EXPECT_TRUE(files.Info(file, info) && info.size == 4 && !info.folder);
+        EXPECT_TRUE(files.Info(folder, info) && info.folder);
+        EXPECT_TRUE(files.Link(file, other));
+        EXPECT_TRUE(files.Remove(file));
+        EXPECT_TRUE(files.Rename(other, file));
+        EXPECT_TRUE(files.Replace(file, other) && files.Replace(other, file));
+        std::vector<fs::path> names;
+        EXPECT_TRUE(files.List(folder, names));
+        EXPECT_EQ(names, std::vector<fs::path>{"file"});
+    }
+    fs::current_path(back);
+}
+
+TEST(LongPath, FullPathsGetTheLongForm) {
+    const std::pair<std::wstring, std::wstring> cases[] = {
+        {LR"(C:\a\b.txt)", LR"(\\?\C:\a\b.txt)"},
+        {LR"(\\server\share\b)", LR"(\\?\UNC\server\share\b)"},
+        {LR"(\\?\C:\a)", LR"(\\?\C:\a)"},
+        {LR"(\\?\UNC\s\t)", LR"(\\?\UNC\s\t)"},
+        {LR"(\\.\NUL)", LR"(\\.\NUL)"},
+        {LR"(C:a)", LR"(C:a)"},
+        {LR"(\a)", LR"(\a)"},
+        {L"", L""},
+    };
+    for (const auto& [full, form] : cases)
+        EXPECT_EQ(LongPathForm(full), form);
 }
 
 TEST_F(Disk, DenyWriteLetsReadersInOnly) {

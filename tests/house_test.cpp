@@ -3,7 +3,9 @@
 
 #include <filesystem>
 #include <fstream>
+#include <iterator>
 #include <map>
+#include <set>
 #include <sstream>
 #include <string>
 #include <vector>
@@ -88,6 +90,35 @@ TEST(House, OnlyWindowFilesKnowTheSystem) {
             EXPECT_TRUE(MayKnowWindows(source.path) || posix) << source.path << " includes " << include;
         }
     }
+}
+
+// Whatever the world calls goes through the one shell, or does not go far.
+TEST(House, ProceduresAreGuarded) {
+    const fs::path root = fs::path(DRAVEL_SOURCE_DIR) / "src";
+    const std::set<std::string> bare{
+        "FrameProcedure",       // the host's own part is no call of ours; the rest is guarded
+        "TakeFirst",            // called by a call of ours
+        "WaitAndFree",          // waits and frees; neither computes nor throws
+        "DravelForeignFilter",  // runs while an exception is on its way
+    };
+    std::size_t procedures = 0;
+    for (const Source& source : AllSources()) {
+        std::ifstream in(root / source.path);
+        const std::string text{std::istreambuf_iterator<char>(in), {}};
+        for (std::size_t at = 0; (at = text.find(" CALLBACK ", at)) != std::string::npos;) {
+            const std::size_t name = at + 10;
+            at = text.find('(', name);
+            const std::size_t body = text.find_first_of(";{", text.find(')', at));
+            if (text[body] == ';') continue;  // declared
+            std::string function = text.substr(name, at - name);
+            function.erase(0, function.rfind(':') + 1);
+            const std::string inside = text.substr(body, text.find("\n}", body) - body);
+            ++procedures;
+            EXPECT_TRUE(inside.find("Guarded(") != std::string::npos || bare.count(function) != 0)
+                << source.path << ": " << function;
+        }
+    }
+    EXPECT_GE(procedures, 9u);
 }
 
 TEST(House, FilesStayShort) {

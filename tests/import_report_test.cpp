@@ -69,6 +69,29 @@ TEST_F(Reports, LinesThatCameInWithADoubt) {
     EXPECT_EQ(run->Report().Overview(), "7 of 7 lines imported, 6 of them with a doubt; 0 left out.");
 }
 
+TEST_F(Reports, AContractThatOnlyItsIdentifierNamesIsTakenWholeAndDoubtful) {
+    host.hasMaster = true;
+    host.Know({"XNSE", "EQ", "IND", ""});
+    SecurityMasterEntry& entry = host.Identify("XNSE", "900");
+    SetText(entry.securityType, "FUTIDX"), SetText(entry.symbol, "BNK12");
+    SetText(entry.expiryText, "26Mar2026");
+    book.contracts["900"] = &entry;
+    EXPECT_TRUE(
+        Import("clientid,exchangetradeid,exchange,securitytype,symbol,securityid\n"
+               "C1,1,XNSE,Futures,Bank,900\n"
+               "C1,2,XNSE,EQ,IND,900\n"
+               "C1,3,XNSE,EQ,GONE,901\n"
+               "C1,4,XNSE,,,900\n"));
+    EXPECT_EQ(Listed(),
+              (Strings{"2 imported: contract found by its SecurityID alone", "4 imported: contract not found",
+                       "5 imported: contract found by its SecurityID alone"}));
+    std::string own;
+    for (const TradeRecord& trade : book.trades)
+        own.append(TextOf(trade.symbol)).append(TextOf(trade.expiryDate)) += ' ';
+    EXPECT_EQ(own, "BNK1226Mar2026 IND GONE BNK1226Mar2026 ");
+    EXPECT_EQ(run->Counts().unknownContracts, 1u);
+}
+
 TEST_F(Reports, DoubtfulDefaultsCountWhereNoCellReplacesThem) {
     mapping.columns[column::ClientID].field = "clientid";
     mapping.columns[column::Quantity] = {"quantity", "many", ""};
@@ -238,6 +261,34 @@ TEST_F(Reports, LinesOfAnyLengthAndAnyBytes) {
     EXPECT_EQ(book.Cells(column::Symbol), "A " + ten.substr(0, 32) + " C ");
     EXPECT_EQ(run->Report().Rows()[0].outcome, LineOutcome::Duplicate);
     EXPECT_EQ(Saved(), "clientid,symbol,exchangetradeid\nC1,A,1" + nul + "\n" + half);
+}
+
+// A file without line ends would be held in memory whole, and read in one go.
+TEST_F(Reports, LinesThatAreTooLongArePassedOverAndListed) {
+    const std::string header = "clientid,symbol,exchangetradeid\n",
+                      line = "C1,B," + std::string(17 << 20, 'x');
+    const std::string text = header + "C1,A,1\n" + line + "\nC1,C,2\n" + std::string((16 << 20) + 1, 'y');
+    const Strings tooLong{"3 one line of 18 MB, longer than 16 MB; it is not saved",
+                          "5 one line of 17 MB, longer than 16 MB; it is not saved"};
+    EXPECT_TRUE(Import(text));
+    EXPECT_EQ(book.Cells(column::Symbol), "A C ");
+    EXPECT_EQ(Listed(), tooLong);
+    EXPECT_EQ(ImportReport::TextToShow(run->Report().Rows()[0]), line.substr(0, 255));
+    EXPECT_EQ(run->Report().Summary(), "2 of 4 imported, report");
+    EXPECT_EQ(Saved(), header);
+
+    book = {};
+    ASSERT_TRUE(Started(text).Begin("in.csv"));
+    for (std::uint64_t at = 0; at < (17u << 20); at = run->Progress().bytes) {
+        ASSERT_TRUE(run->Step(1000));
+        EXPECT_TRUE(at < (16u << 20) || run->Progress().bytes - at <= (2u << 20)) << "a step is short";
+    }
+    run->Cancel();
+    run->Finish();
+    EXPECT_EQ(Listed(), (Strings{tooLong[0], "4 not read, import cancelled", tooLong[1]}));
+    EXPECT_FALSE(Import(line)) << "no header";
+    EXPECT_EQ(user.boxes.back(), "Dravel Import |Please Select Proper File");
+    run.reset();
 }
 
 TEST_F(Reports, FiveThousandColumns) {

@@ -9,6 +9,7 @@
 #include "generator/Universe.h"
 #include "records/CodeTables.h"
 #include "records/RecordText.h"
+#include "support/FailingMemory.h"
 #include "support/ImportRig.h"
 #include "tradebook/TradeColumns.h"
 
@@ -234,45 +235,88 @@ TEST_F(UnknownClients, AStepWithinABoxDoesNothing) {
 // What the terminal or the user is asked or told in the middle of a run is where something else can happen.
 class Interrupted : public testing::Test {
  protected:
-    // Imports six lines, two of them of unknown clients; `happens` at the `at`th question. False: there are
-    // not so many.
-    bool RunAndAt(int at, const std::function<void()>& happens) {
+    // Six lines, two of them of unknown clients.
+    CsvImport& Started(bool header = true) {
         rig = std::make_unique<ImportRig>();
         rig->manual.Load();
         report.reset();
+        rig->mapping.header = header;
+        for (int i = 0; i < 5 && !header; ++i) {
+            static constexpr int kColumns[] = {column::ClientID, column::Exchange, column::SecurityType,
+                                               column::Symbol, column::ExchangeTradeID};
+            rig->mapping.columns[static_cast<std::size_t>(kColumns[i])].field = std::to_string(i);
+        }
+        return rig->Started(
+            std::string(header ? "clientid,exchange,securitytype,symbol,exchangetradeid\n" : "") +
+                "C1,XNSE,EQ,A,1\nX,XNSE,EQ,B,2\nC1,XNSE,EQ,A,1\n\nY,XNSE,EQ,C,3\nC2,XNSE,EQ,D,4\n",
+            [this](std::unique_ptr<ImportReport> done) { report = std::move(done); });
+    }
+    // Imports them; `happens` at the `at`th question. False: there are not so many.
+    bool RunAndAt(int at, const std::function<void()>& happens, bool header = true) {
+        CsvImport& import = Started(header);
         int count = 0;
         rig->host.onAsk = rig->host.onSend = rig->book.onAdd = rig->user.whileShown = [&] {
             if (++count == at) happens();
         };
-        rig->Started(
-               "clientid,exchange,securitytype,symbol,exchangetradeid\n"
-               "C1,XNSE,EQ,A,1\nX,XNSE,EQ,B,2\nC1,XNSE,EQ,A,1\n\nY,XNSE,EQ,C,3\nC2,XNSE,EQ,D,4\n",
-               [this](std::unique_ptr<ImportReport> done) { report = std::move(done); })
-            .Run("in.csv");
+        import.Run("in.csv");
         EXPECT_EQ(rig->book.batches, 0);
         return count >= at;
+    }
+    // Nothing of the six lines is missing or there twice.
+    void ExpectAllAccountedFor() const {
+        ASSERT_TRUE(report);
+        EXPECT_EQ(report->Lines(), 6u);
+        std::set<std::uint64_t> listed;
+        for (const ReportRow& row : report->Rows())
+            EXPECT_TRUE(listed.insert(row.line).second) << row.line;
+        EXPECT_EQ(rig->disk.OpenHandles(), 0u);
     }
     std::unique_ptr<ImportRig> rig;
     std::unique_ptr<ImportReport> report;  // handed on
 };
 
 TEST_F(Interrupted, AFailureBreaksTheRunOffAndAllIsAccountedFor) {
-    int at = 1;
-    for (; RunAndAt(at, [] { throw std::bad_alloc(); }); ++at) {
-        SCOPED_TRACE(at);
-        const std::string told = rig->user.boxes.back();
-        if (at == 1) {
-            EXPECT_EQ(told, "Dravel Import |The file could not be imported: std::bad_alloc");
-            continue;
+    for (const bool header : {false, true}) {
+        int at = 1;
+        for (; RunAndAt(
+                 at, [] { throw std::bad_alloc(); }, header);
+             ++at) {
+            SCOPED_TRACE(at);
+            const std::string told = rig->user.boxes.back();
+            if (at == 1) {
+                EXPECT_EQ(told, "Dravel Import |The file could not be imported: std::bad_alloc");
+                continue;
+            }
+            EXPECT_TRUE(told.starts_with("Dravel Import |The import broke off: std::bad_alloc") ||
+                        told == kDone);
+            EXPECT_EQ(rig->Finished(), 1u);
+            ExpectAllAccountedFor();
         }
-        EXPECT_TRUE(told.starts_with("Dravel Import |The import broke off: std::bad_alloc") || told == kDone);
-        EXPECT_EQ(rig->Finished(), 1u);
-        ASSERT_TRUE(report);
-        EXPECT_EQ(report->Lines(), 6u);
-        EXPECT_EQ(rig->disk.OpenHandles(), 0u);
+        EXPECT_EQ(rig->user.boxes.back(), kDone);
+        EXPECT_GT(at, 12);
     }
-    EXPECT_EQ(rig->user.boxes.back(), kDone);
-    EXPECT_GT(at, 12);
+}
+
+// Memory may be used up anywhere, also between two steps that account for the same line.
+TEST_F(Interrupted, MemoryThatIsUsedUpAnywhereLosesNoLine) {
+    bool failed = true;
+    for (int at = 1; failed; ++at) {
+        SCOPED_TRACE(at);
+        CsvImport& import = Started();
+        const std::filesystem::path file("in.csv");
+        bool ran = false;
+        {
+            const Dravel::Test::FailingMemory memory(at);
+            ran = import.Begin(file);
+            while (ran && import.Step(2)) {
+            }
+            if (ran) import.Finish();
+            failed = memory.HasFailed();
+        }
+        if (ran && report) ExpectAllAccountedFor();
+        EXPECT_TRUE(failed || (ran && report && at > 100));
+        EXPECT_EQ(rig->book.batches, 0);
+    }
 }
 
 TEST_F(Interrupted, ABookThatIsGoneIsNeverTouchedAgainAndNobodyIsAsked) {

@@ -297,3 +297,49 @@ TEST_F(ArchiveTest, DamagedArchivesAreReadSafely) {
             EXPECT_TRUE(text.empty() || text == "short" || text == "(damaged)") << at << text;
     }
 }
+
+// What a directory says of its entries is held against the bytes, one wrong field at a time.
+TEST_F(ArchiveTest, ADirectoryThatDoesNotFitIsRefused) {
+    const auto write = [this](const char* name) {
+        std::unique_ptr<IFile> to, from;
+        ASSERT_TRUE(files.Open("Log/z.zip", FileMode::Create, FileShare::DenyNone, to));
+        ZipWriter zip(*to, goOn);
+        for (const char* entry : {"first", name}) {
+            ASSERT_TRUE(files.Open("Log/today", FileMode::Read, FileShare::DenyNone, from));
+            ASSERT_TRUE(zip.Add(entry, clock.LocalNow(), *from));
+        }
+        ASSERT_TRUE(zip.Finish());
+    };
+    files.Put("Log/today", Bytes("today"));
+    write("");
+    EXPECT_EQ(ReadZip(files, "Log/z.zip"), (Logs{{"first", "today"}, {"", "today"}}))
+        << "a name may be empty";
+    write("second");
+    const FileBytes whole = files.Content("Log/z.zip");
+    const std::size_t begin = whole.size() - 22 - 2 * 46 - 11, second = begin + 46 + 5;
+    const struct {
+        std::size_t at;
+        int more;
+        const char* found;  // of the entry, when the directory is read
+    } cases[] = {
+        {begin, 1, nullptr},            // the mark of a record
+        {second + 3, 1, nullptr},       //
+        {begin + 28, 46 + 6, nullptr},  // a name that takes the next record's place
+        {begin + 28, 46 + 6 + 1, nullptr},
+        {second + 30, 1, nullptr},      // more behind a record than there is
+        {second + 32, 1, nullptr},      //
+        {begin + 10, 1, nullptr},       // neither stored nor deflated
+        {begin + 20, 1, "(damaged)"},   // a byte behind the end of what was packed
+        {begin + 24, 1, "(damaged)"},   // a longer text
+        {begin + 24, -1, "(damaged)"},  // a shorter one
+        {second + 20, 40, nullptr},     // up to the directory and beyond
+    };
+    for (const auto& [at, more, found] : cases) {
+        FileBytes wrong = whole;
+        wrong[at] = static_cast<std::uint8_t>(wrong[at] + more);
+        files.Put("wrong.zip", wrong);
+        Logs read = ReadZip(files, "wrong.zip");
+        EXPECT_EQ(read.count("(no archive)"), found ? 0u : 1u) << at - begin << " " << more;
+        EXPECT_EQ(read["first"], found ? found : "") << at - begin << " " << more;
+    }
+}

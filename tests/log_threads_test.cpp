@@ -11,6 +11,7 @@
 #include "support/FakeClock.h"
 #include "support/FileLog.h"
 #include "support/LogRig.h"
+#include "support/StopSpan.h"
 
 using namespace Dravel;
 using namespace Dravel::Test;
@@ -125,13 +126,14 @@ struct ThreadsLog : ::testing::Test {
 TEST_F(ThreadsLog, NothingIsLostAcrossMidnights) {
     constexpr int kThreads = 8;
     log.Start();
-    std::atomic<int> written = 0;
+    std::atomic<int> written = 0, daysPassed = 0;
     std::vector<std::thread> writers;
     for (int t = 0; t < kThreads; ++t) {
         writers.emplace_back([&, t] {
             const std::string context = "T" + std::to_string(t);
             for (int i = 0; i < kLinesEach; ++i) {
-                while (log.Waiting() > kLogQueue / 2)
+                // Nobody is through before the next day, whichever thread the system prefers.
+                while (log.Waiting() > kLogQueue / 2 || daysPassed < i / (kLinesEach / 3 + 100))
                     std::this_thread::yield();
                 log.Line(i % 10 ? LogLevel::Info : LogLevel::Error, context, std::to_string(i));
                 ++written;
@@ -142,6 +144,7 @@ TEST_F(ThreadsLog, NothingIsLostAcrossMidnights) {
         while (written < kThreads * kLinesEach * part / 3)
             std::this_thread::yield();
         clock.now += 86400;
+        daysPassed = part;
     }
     for (std::thread& writer : writers)
         writer.join();
@@ -170,6 +173,28 @@ TEST_F(ThreadsLog, NothingIsLostAcrossMidnights) {
         }
     }
     EXPECT_EQ(next, std::vector<int>(kThreads, kLinesEach));
+}
+
+// The end of a stop may come between any two looks at it: what was logged just then was dropped for being
+// late.
+TEST(ThreadsStopSpan, OneThatEndsHasNotLastedLong) {
+    StopSpan span;
+    std::atomic<bool> done = false;
+    std::thread looker([&] {
+        for (int i = 0; i < 200000; ++i)
+            ASSERT_FALSE(span.Lasts(20000));
+        done = true;
+    });
+    while (!done) {
+        span.Begin();
+        EXPECT_TRUE(span.Lasts());
+        span.End();
+        EXPECT_FALSE(span.Lasts());
+    }
+    looker.join();
+    span.Begin();
+    std::this_thread::sleep_for(std::chrono::milliseconds(30));
+    EXPECT_TRUE(span.Lasts(20));
 }
 
 TEST_F(ThreadsLog, ANewDayBeginsThoughNothingIsSaid) {

@@ -106,17 +106,59 @@ TEST_F(ManualClientFile, LongIdentifiersCompareAsRecordsHoldThem) {
 }
 
 TEST_F(ManualClientFile, AFailureAtAnyOperationLeavesTheOldFileOrTheNew) {
-    for (std::uint64_t k = 1; k < 12; ++k) {
+    for (std::uint64_t k = 1; k < 20; ++k) {
         Put("old\r\n");
         ManualClients some(disk, host, "CSV/DravelFormateSet");
         some.Add("new");
         disk.plan.failAt = disk.Operations() + k;
         some.Save();
         disk.ClearPlan();
-        EXPECT_TRUE(Stored() == "old\r\n" || Stored() == "new\r\n") << "operation " << k << ": " << Stored();
+        EXPECT_TRUE(Stored() == "old\r\n" || Stored() == "new\r\nold\r\n")
+            << "operation " << k << ": " << Stored();
         EXPECT_EQ(disk.OpenHandles(), 0u);
+        some.Retry();
+        EXPECT_EQ(Stored(), "new\r\nold\r\n") << k;
     }
-    EXPECT_EQ(Stored(), "new\r\n");
+}
+
+TEST_F(ManualClientFile, TwoTerminalsKeepEachOthersClients) {
+    Put("first\r\n");
+    ManualClients other(disk, host, "CSV/DravelFormateSet");
+    clients.Load();
+    other.Load();
+    clients.Add("mine");
+    other.Add("theirs");
+    clients.Save();
+    other.Save();
+    clients.Save();
+    EXPECT_EQ(Stored(), "first\r\nmine\r\ntheirs\r\n");
+    // The other is between its reading and its writing.
+    std::unique_ptr<IFile> lock;
+    ASSERT_TRUE(disk.OpenLock(std::string(kPath) + ".lock", lock));
+    host.sent.clear();
+    clients.Add("late");
+    clients.Save();
+    EXPECT_TRUE(host.sent.empty());
+    EXPECT_EQ(Stored(), "first\r\nmine\r\ntheirs\r\n");
+    lock.reset();
+    clients.Retry();
+    EXPECT_EQ(Stored(), "first\r\nlate\r\nmine\r\ntheirs\r\n");
+    EXPECT_EQ(Announced().size(), 4u);
+    clients.Retry();
+    EXPECT_EQ(Announced().size(), 4u) << "once";
+}
+
+TEST_F(ManualClientFile, AListThatIsHeldAtFirstIsAnnouncedWhenItCanBeRead) {
+    Put("old\r\n");
+    std::unique_ptr<IFile> scanner;
+    ASSERT_TRUE(disk.Open(kPath, FileMode::ReadWrite, FileShare::DenyAll, scanner));
+    clients.Load();
+    clients.Retry();
+    EXPECT_TRUE(Announced().empty());
+    scanner.reset();
+    clients.Retry();
+    clients.Retry();
+    EXPECT_EQ(Announced(), Strings{"old"});
 }
 
 }  // namespace

@@ -106,33 +106,14 @@ Bytes SomeStream(std::size_t size, std::vector<Frame>& frames, std::vector<std::
 }  // namespace
 
 TEST(MessageReader, WidthFollowsFromTheTag) {
-    const std::pair<std::uint16_t, std::uint32_t> cases[] = {{0, 0},
-                                                             {1, 1},
-                                                             {5000, 1},
-                                                             {5001, 1},
-                                                             {10000, 1},
-                                                             {10001, 2},
-                                                             {20000, 2},
-                                                             {20001, 4},
-                                                             {30000, 4},
-                                                             {30001, 8},
-                                                             {35000, 8},
-                                                             {35001, 4},
-                                                             {40000, 4},
-                                                             {40001, 8},
-                                                             {45000, 8},
-                                                             {45001, 16},
-                                                             {50000, 16},
-                                                             {50001, 8},
-                                                             {55000, 8},
-                                                             {55001, kVariableWidth},
-                                                             {60000, kVariableWidth},
-                                                             {60001, kVariableWidth},
-                                                             {65000, kVariableWidth},
-                                                             {65001, 0},
-                                                             {65535, 0}};
-    for (const auto& [tag, width] : cases) {
-        EXPECT_EQ(TagWidth(tag), width) << tag;
+    // The first tag of each width, which holds up to the next.
+    constexpr std::pair<std::uint32_t, std::uint32_t> kWidths[] = {
+        {0, 0},     {1, 1},     {10001, 2},  {20001, 4}, {30001, 8},
+        {35001, 4}, {40001, 8}, {45001, 16}, {50001, 8}, {55001, kVariableWidth},
+        {65001, 0}, {65536, 0}};
+    for (std::size_t i = 0; i + 1 < std::size(kWidths); ++i) {
+        for (std::uint32_t tag = kWidths[i].first; tag < kWidths[i + 1].first; ++tag)
+            ASSERT_EQ(TagWidth(static_cast<std::uint16_t>(tag)), kWidths[i].second) << tag;
     }
 }
 

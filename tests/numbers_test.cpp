@@ -7,6 +7,7 @@
 #include <limits>
 #include <random>
 
+#include "formatset/NumberReading.h"
 #include "formatset/NumberText.h"
 
 namespace Dravel {
@@ -112,6 +113,64 @@ TEST(Numbers, ShortestReadsBackTheSameBits) {
         std::memcpy(&value, &bits, sizeof(value));
         if (!std::isfinite(value)) continue;
         ASSERT_EQ(ReadDouble(ShortestText(value, buffer)), value);
+    }
+}
+
+// Beside each text what is made of it: nothing, the text without its groups, or "part" and the value.
+TEST(Numbers, HowMuchOfATextIsTaken) {
+    const struct {
+        const char* text;
+        const char* asUnsigned;
+        const char* asDouble;
+    } cases[] = {
+        {"", "", ""},
+        {"0", "", ""},
+        {"+7", "", ""},
+        {"4294967295", "", ""},
+        {"4294967296", "part 0", ""},
+        {"-7", "part 0", ""},
+        {"12.5", "part 12", ""},
+        {".5", "part 0", ""},
+        {"1e3", "part 1", ""},
+        {"1,000", "1000", "1000"},
+        {"1,00,000", "100000", "100000"},
+        {"12,34,56,789", "123456789", "123456789"},
+        {"123,456,789", "123456789", "123456789"},
+        {"4,294,967,296", "part 4", "4294967296"},
+        {"-1,000", "part 0", "-1000"},
+        {"21,145.25", "part 21", "21145.25"},
+        {"2,450.50", "part 2", "2450.50"},
+        {"1,000.", "part 1", "1000."},
+        {"12,5", "part 12", "part 12"},
+        {"0,125", "part 0", "part 0"},
+        {"00,125", "part 0", "part 0"},
+        {"0,76672417", "part 0", "part 0"},
+        {"1234,567", "part 1234", "part 1234"},
+        {"123,45,678", "part 123", "part 123"},
+        {"1,23,456,789", "part 1", "part 1"},
+        {"1,2,345", "part 1", "part 1"},
+        {"1,,000", "part 1", "part 1"},
+        {",000", "part 0", "part 0"},
+        {"1,000,", "part 1", "part 1"},
+        {"1,000.5,000", "part 1", "part 1"},
+        {"1,000e3", "part 1", "part 1"},
+        {"1.000,50", "part 1", "part 1"},
+        {"1 000", "part 1", "part 1"},
+        {"1.5k", "part 1", "part 1.5"},
+        {"12 ", "part 12", "part 12"},
+        {"abc", "part 0", "part 0"},
+        {"0x10", "part 0", "part 0"},
+        {"inf", "part 0", "part 0"},
+        {"1e999", "part 1", "part 0"},
+        {"-", "part 0", "part 0"},
+    };
+    const auto made = [](NumberKind kind, std::string_view text) {
+        std::string read;
+        return (ReadingOf(kind, text, read) == TextReading::Part ? "part " : "") + read;
+    };
+    for (const auto& c : cases) {
+        EXPECT_EQ(made(NumberKind::Unsigned, c.text), c.asUnsigned) << c.text;
+        EXPECT_EQ(made(NumberKind::Double, c.text), c.asDouble) << c.text;
     }
 }
 

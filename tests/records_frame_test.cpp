@@ -246,6 +246,27 @@ TEST(RecordText, CutsAndFills) {
     EXPECT_EQ(TextOf(text), "");
 }
 
+// Half a character would be shown as another one. Of a text in a code page of single bytes nothing is lost.
+TEST(RecordText, CutsUtf8BetweenCharacters) {
+    const std::pair<std::string_view, std::string_view> cases[] = {
+        {"abcdef", "abcd"},
+        {"abc\xC3\xA9", "abc"},
+        {"ab\xC3\xA9z", "ab\xC3\xA9"},
+        {"ab\xE2\x82\xAC", "ab"},
+        {"a\xE2\x82\xACz", "a\xE2\x82\xAC"},
+        {"a\xF0\x9F\x98\x80", "a"},
+        {"abc\xC3\xA9\xE9", "abc\xC3"},  // no UTF-8
+        {"\xA9\xA9\xA9\xA9\xA9", "\xA9\xA9\xA9\xA9"},
+        {"abc\xFC\xA9\xA9\xA9\xA9\xA9", "abc\xFC"},
+        {"abc\xC3\xA9\xC3", "abc\xC3"},
+    };
+    for (const auto& [text, kept] : cases) {
+        char field[4];
+        SetText(field, text);
+        EXPECT_EQ(TextOf(field), kept) << text;
+    }
+}
+
 TEST(CodeTables, EveryWordThereAndBackAndTheRest) {
     const char* const kOrderTypes[] = {"Market",
                                        "Limit",

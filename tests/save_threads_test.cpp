@@ -83,6 +83,20 @@ TEST_F(ThreadsSaveTest, SavingClearsTheFlagAndSaysSoWhenTheBytesAreThere) {
     EXPECT_EQ(OnDisk(), 3u);
 }
 
+TEST_F(ThreadsSaveTest, ASaveSaysThatRowsAreStillBeingTyped) {
+    parts.store = rig.file.get();
+    std::uint32_t rows = 1;
+    parts.rowsBeingTyped = [&] { return rows; };
+    TradeSaver saver(parts, user);
+    Add(1);
+    saver.SaveAndWait();
+    rows = 0;
+    saver.SaveAndWait();
+    EXPECT_EQ(user.notices,
+              (std::vector<std::string>{"Dravel Save Successfully", "1 row is still being typed",
+                                        "Dravel Save Successfully"}));
+}
+
 TEST_F(ThreadsSaveTest, AFullDiskKeepsTheOldBookTellsTheUserAndSetsTheFlagAgain) {
     parts.store = rig.file.get();
     TradeSaver saver(parts, user);
@@ -202,12 +216,12 @@ TEST_F(ThreadsSaveTest, AskingSavesOnYesOnlyAndAlwaysGoesOn) {
     Add(2);
     for (const std::uint32_t answer : {kAnswerCancel, kAnswerNo}) {
         user.answers = {answer};
-        EXPECT_TRUE(entry.AskToSave());
+        EXPECT_EQ(entry.AskToSave(), AskEnd::NotWanted);
         EXPECT_EQ(OnDisk(), 0u);
         EXPECT_TRUE(book.Changed());
     }
     user.answers = {kAnswerYes};
-    EXPECT_TRUE(entry.AskToSave());
+    EXPECT_EQ(entry.AskToSave(), AskEnd::Saved);
     EXPECT_EQ(OnDisk(), 2u);
     EXPECT_EQ(user.boxes.back(), "Dravel|Do you want to save Dravel");
     EXPECT_EQ(user.buttons.back(), Buttons::YesNoCancel);

@@ -89,6 +89,7 @@ TEST(Settings, RefusalsChangeNothing) {
     EXPECT_FALSE(settings.WriteText("A", "2"));
     EXPECT_FALSE(settings.CreateKey("N"));
     EXPECT_EQ(settings.TextForm(), before);
+    settings.SetReadOnly(false);
     std::int32_t integer = 5;
     std::uint32_t colour = 6;
     Bytes bytes{7};
@@ -96,6 +97,10 @@ TEST(Settings, RefusalsChangeNothing) {
     EXPECT_FALSE(settings.ReadInteger("A", integer) || settings.ReadColour("A", colour) ||
                  settings.ReadBinary("A", bytes) || settings.ReadText("L", text) ||
                  settings.ReadText("Z", text));
+    for (const char* digits : {"9x", "x9", "0a1", "0g", " 00"}) {
+        EXPECT_TRUE(settings.CreateKey("K") && settings.WriteText("B", digits));
+        EXPECT_FALSE(settings.ReadBinary("B", bytes) || settings.ReadBinary("Z", bytes)) << digits;
+    }
     EXPECT_TRUE(integer == 5 && colour == 6 && bytes == Bytes{7} && text == "8");
 }
 

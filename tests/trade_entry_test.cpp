@@ -45,7 +45,21 @@ class Entering : public testing::Test, protected IUiThread, protected IDraftView
     }
 
     // Types a text into a cell and ends its edit.
-    EditEnd Type(int column, std::string_view text) { return entry.EndEdit(*draft, column, text, *this); }
+    EditEnd Type(int column, std::string_view text, EditEnding ending = EditEnding::Key) {
+        said.clear();
+        return entry.EndEdit(*draft, column, text, ending, *this);
+    }
+    // A trade of the book, and a draft over it.
+    TradeItem Stored() {
+        TradeRecord stored{};
+        stored.side = 1, stored.quantity = 10, stored.price = 5;
+        SetText(stored.exchange, "XNSE"), SetText(stored.securityType, "FUTIDX");
+        SetText(stored.symbol, "IND50"), SetText(stored.expiryDate, "26Feb2026");
+        const TradeItem item = book.ItemOf(book.Add(stored));
+        draft = &sheet.LayOver(item);
+        host.sent.clear();
+        return item;
+    }
     void TypeAll(std::initializer_list<std::pair<int, std::string_view>> cells) {
         for (const auto& [column, text] : cells)
             last = Type(column, text);
@@ -69,6 +83,7 @@ class Entering : public testing::Test, protected IUiThread, protected IDraftView
     void Post(std::function<void()> work) override { posted.push_back(std::move(work)); }
     void ShowColumn(int column) override { shown.push_back(column); }
     void DraftChanged(const TradeDraft&) override {}
+    void Say(std::string sentence) override { said = std::move(sentence); }
     void DraftEntered(TradeDraft& entered, TradeItem item) override {
         sheet.Remove(entered);
         draft = nullptr;
@@ -95,6 +110,7 @@ class Entering : public testing::Test, protected IUiThread, protected IDraftView
     TradeDraft* draft = &sheet.AddOnTop();
     TradeItem became = kNoItem;
     EditEnd last{};
+    std::string said;
     std::vector<int> shown, went;
     std::vector<TradeItem> selected;
     std::vector<std::function<void()>> posted;
@@ -184,7 +200,7 @@ TEST_F(Entering, QuantityZeroSpeaksAndNothingElseDoes) {
     EXPECT_EQ(last, EditEnd::Committed) << "a contract is not asked for";
     draft = &sheet.AddOnTop();
     TypeAll({{column::Side, "Buy"}, {column::Price, "1"}});
-    for (const char* quantity : {"0", "none", "-5", "99999999999"}) {
+    for (const char* quantity : {"0", "none", "-5"}) {
         TypeAll({{column::Quantity, quantity}});
         EXPECT_EQ(last, EditEnd::Spoken) << quantity;
         EXPECT_TRUE(user.boxes.empty()) << "posted, not shown within the edit";
@@ -201,8 +217,114 @@ TEST_F(Entering, QuantityZeroSpeaksAndNothingElseDoes) {
     EXPECT_EQ(book.RowCount(), 1u);
 }
 
+// What a cell would take only in part is asked about once, given back to who left, taken when asked again.
+TEST_F(Entering, ATextThatWouldBeTakenInPartIsAskedTwice) {
+    const std::string client = "ALD1007-0123456789-0123456789";
+    const struct {
+        int column;
+        std::string text, readAs, cell;
+    } cases[] = {
+        {column::Quantity, "12,5", "12", "12"},
+        {column::Quantity, "1.5k", "1", "1"},
+        {column::Quantity, "99999999999", "0", "0"},
+        {column::Price, "abc", "0", "0"},
+        {column::Price, "2,45", "2", "2"},
+        {column::OrderID, "A7", "0", "0"},
+        {column::PendingQuantity, "7 lots", "7", "7"},
+        {column::Side, "Purchase", "none", "Purchase"},
+        {column::OrderType, "limit", "none", "limit"},
+        {column::ProductType, "CNC", "none", "CNC"},
+        {column::OpenClose, "OPEN", "none", "OPEN"},
+        {column::ClientID, client, client.substr(0, 20), client.substr(0, 20)},
+    };
+    for (const auto& c : cases) {
+        const std::string read = '"' + c.text + "\" would be read as " + c.readAs;
+        EXPECT_EQ(Type(c.column, c.text), EditEnd::Asked) << c.text;
+        EXPECT_EQ(said, read + ". Enter again to take it, Escape to go back.");
+        EXPECT_EQ(Cell(c.column), "");
+        EXPECT_EQ(Type(c.column, c.text, EditEnding::Left), EditEnd::GivenBack) << c.text;
+        EXPECT_EQ(said, read + " and was not taken.");
+        EXPECT_EQ(Cell(c.column), "");
+        EXPECT_EQ(Type(c.column, c.text, EditEnding::KeyAgain), EditEnd::Kept) << c.text;
+        EXPECT_EQ(Cell(c.column), c.cell);
+        // What stands there already is no new text.
+        EXPECT_EQ(Type(c.column, c.cell, EditEnding::Left), EditEnd::Kept) << c.text;
+        draft = &sheet.AddOnTop();
+    }
+    for (const auto& [column, text] : {std::pair(column::ProductType, "cce"),
+                                       {column::ProductType, "*"},
+                                       {column::OpenClose, "NONE"},
+                                       {column::OrderType, "MIT"},
+                                       {column::Side, "s"},
+                                       {column::Quantity, "none"}}) {
+        EXPECT_EQ(Type(column, text), EditEnd::Kept) << text;
+    }
+}
+
+TEST_F(Entering, GroupsOfDigitsAreTakenOut) {
+    TypeAll({{column::Side, "Buy"}, {column::Quantity, "1,00,000"}, {column::Price, "2,450.50"}});
+    EXPECT_EQ(last, EditEnd::Committed);
+    EXPECT_EQ(+book.Row(0).quantity, 100000u);
+    EXPECT_EQ(+book.Row(0).price, 2450.5);
+    draft = &sheet.AddOnTop();
+    TypeAll({{column::Exchange, "XNSE"}, {column::SecurityType, "OPTIDX"}, {column::Symbol, "IND50"}});
+    TypeAll({{column::ExpiryDate, "26Feb2026"}, {column::OptionType, "CE"}});
+    EXPECT_EQ(Type(column::StrikePrice, "24,000.50x"), EditEnd::Refused);
+    EXPECT_EQ(Type(column::StrikePrice, "24000.50x"), EditEnd::Asked) << "its number is one of the choices";
+    EXPECT_EQ(Type(column::StrikePrice, "24,000.50"), EditEnd::Kept);
+    EXPECT_EQ(Cell(column::StrikePrice) + Cell(column::SecurityID), "24000.5ID3");
+}
+
+// Every column that may be changed, over a trade of the book, is in the book and reported at once.
+TEST_F(Entering, EveryCellChangedOverATradeEntersAtOnce) {
+    const TradeItem item = Stored();
+    for (int column = 0; column < column::Count; ++column) {
+        const auto& described = kTradeColumns[static_cast<std::size_t>(column)];
+        const bool contract = column >= column::Exchange && column <= column::StrikePrice;
+        if (!described.editable || contract || column == column::SecurityID) continue;
+        const char* const text = column == column::Side          ? "Sell"
+                                 : column == column::OrderType   ? "OCO"
+                                 : column == column::OpenClose   ? "Close"
+                                 : column == column::ProductType ? "INTRADAY"
+                                                                 : "77";
+        host.sent.clear();
+        draft = &sheet.LayOver(item);
+        EXPECT_EQ(Type(column, text), EditEnd::Committed) << described.header;
+        std::string cell;
+        CellText(book.Record(item), column, cell);
+        EXPECT_EQ(cell, text) << described.header;
+        EXPECT_EQ(Reports(msg::TradeReport), 1u) << described.header;
+    }
+}
+
+TEST_F(Entering, ATypedSecurityIDBringsItsWholeContract) {
+    SecurityMasterEntry& other = host.Identify("XNSE", "900");
+    SetText(other.securityType, "OPTIDX"), SetText(other.symbol, "BNK12"),
+        SetText(other.expiryText, "26Mar2026");
+    SetText(other.optionType, "PE"), other.strikePrice = 51000.5;
+    const TradeItem item = Stored();
+    EXPECT_EQ(Type(column::SecurityID, "901"), EditEnd::Refused);
+    EXPECT_EQ(said, "The terminal knows no security \"901\" of this exchange.");
+    EXPECT_TRUE(host.sent.empty());
+    EXPECT_EQ(Type(column::SecurityID, "900"), EditEnd::Committed);
+    const TradeRecord& trade = book.Record(item);
+    EXPECT_EQ(
+        std::string(TextOf(trade.symbol)).append(TextOf(trade.expiryDate)).append(TextOf(trade.optionType)),
+        "BNK1226Mar2026PE")
+        << "the report carries the record's own texts";
+    EXPECT_EQ(+trade.strikePrice, 51000.5);
+    EXPECT_EQ(TextOf(trade.securityID), "900");
+    // Nobody can name the contract: it enters with the names that stand, and that is said.
+    host.hasMaster = false;
+    draft = &sheet.LayOver(item);
+    EXPECT_EQ(Type(column::SecurityID, "902"), EditEnd::Committed);
+    EXPECT_EQ(said, "The terminal has no security master: the names of the contract stay as they are.");
+    EXPECT_EQ(std::string(TextOf(trade.symbol)).append(TextOf(trade.securityID)), "BNK12902");
+}
+
 TEST_F(Entering, AnyOtherSideIsCodeZero) {
-    TypeAll({{column::Side, "Both"}, {column::Quantity, "1"}, {column::Price, "2"}});
+    EXPECT_EQ(Type(column::Side, "Both", EditEnding::KeyAgain), EditEnd::Kept);
+    TypeAll({{column::Quantity, "1"}, {column::Price, "2"}});
     EXPECT_EQ(last, EditEnd::Committed);
     EXPECT_EQ(book.Row(0).side, 0);
 }
@@ -219,8 +341,9 @@ TEST_F(Entering, AChangedTradeKeepsWhatHasNoColumnAndItsKeyMoves) {
     draft = &sheet.LayOver(item);
     EXPECT_EQ(Type(column::Price, "5"), EditEnd::Kept) << "nothing changed";
     EXPECT_EQ(Reports(msg::TradeReport), 0u);
-    EXPECT_EQ(Type(column::ExchangeTradeID, "T2"), EditEnd::Kept) << "completes nothing";
     EXPECT_EQ(Type(column::Price, "6.25"), EditEnd::Committed);
+    draft = &sheet.LayOver(item);
+    EXPECT_EQ(Type(column::ExchangeTradeID, "T2"), EditEnd::Committed);
     EXPECT_EQ(became, item);
     EXPECT_EQ(book.RowCount(), 1u);
     EXPECT_EQ(+book.Row(0).price, 6.25);
@@ -229,7 +352,7 @@ TEST_F(Entering, AChangedTradeKeepsWhatHasNoColumnAndItsKeyMoves) {
     EXPECT_FALSE(book.HolderOf(stored));
     EXPECT_TRUE(book.HolderOf(book.Row(0)));
     EXPECT_TRUE(book.Changed());
-    EXPECT_EQ(Reports(msg::TradeReport), 1u);
+    EXPECT_EQ(Reports(msg::TradeReport), 2u);
     EXPECT_EQ(Reports(msg::SecondTradeReport), 0u);
     // The contract's end is enough for a trade that is complete.
     draft = &sheet.LayOver(item);
@@ -337,7 +460,7 @@ TEST_F(Entering, TheBookMayBeClosedWhileItsEntryRuns) {
     };
     const OuterCall call;
     opened();
-    EXPECT_EQ(whole.EndEdit(*draft, column::Exchange, "XNSE", *this), EditEnd::Kept);
+    EXPECT_EQ(whole.EndEdit(*draft, column::Exchange, "XNSE", EditEnding::Key, *this), EditEnd::Kept);
     opened();
     Strings choices;
     whole.Choices(*draft, column::Exchange, {}, choices);
@@ -353,7 +476,8 @@ TEST_F(Entering, OneHundredThousandLongChoicesAreOffered) {
         many.push_back(std::to_string(i) + std::string(900, 'x'));
     host.Offer(master::Exchanges, {}, many);
     EXPECT_EQ(Choices(column::Exchange).size(), many.size());
-    EXPECT_EQ(Type(column::Exchange, many[99999]), EditEnd::Kept);
+    EXPECT_EQ(Type(column::Exchange, many[99999]), EditEnd::Asked) << "the record has no room for all of it";
+    EXPECT_EQ(Type(column::Exchange, many[99999], EditEnding::KeyAgain), EditEnd::Kept);
 }
 
 }  // namespace

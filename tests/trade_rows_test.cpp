@@ -95,6 +95,9 @@ class RowsRig : public IRowDisplay {
         ++resets;
     }
     void Changed(std::uint32_t row) override { EXPECT_LT(row, rows.RowCount()); }
+    bool Hides(const ColumnFilter& filter, TradeItem item) const override {
+        return !filter.Passes(book.Record(item));
+    }
 };
 
 // The plain model: everything by the slowest and simplest way.
@@ -289,6 +292,37 @@ class RowsTest : public testing::Test, protected RowsRig {
 
     std::set<std::string> closed;
 };
+
+// One letter a column: Words, Part (the whole text), Number, or Zero: a number that counts as 0. The book
+// filters all trades at once, one that is edited by itself.
+TEST(TradeRowsTest, EachColumnFiltersByItsOwnRule) {
+    constexpr std::string_view kRules = "WWNNNZZWWWWWWWPZWWNZWWNWPPPWPPPP";
+    RowsRig rig;
+    TradeRecord record{};
+    record.side = 1;
+    for (const TradeColumn& column : kTradeColumns)
+        column.put(record, column.type == CellType::Text   ? "Ab"
+                           : column.type == CellType::Byte ? "Buy"
+                                                           : "7");
+    const TradeItem item = rig.Add(record);
+    for (int column = 0; column < column::Count; ++column) {
+        const char rule = kRules[static_cast<std::size_t>(column)];
+        const std::string cell = Cell(rig.book.Record(item), column);
+        const struct {
+            std::string filter, passesUnder;
+        } cases[] = {{"#or" + cell, cell.empty() ? "Z" : "WZ"}, {">0", "N"}, {"<1", "Z"}, {"  ", "WNZ"}};
+        for (const auto& [filter, rules] : cases) {
+            rig.rows.Arrange({{}, {}, {ColumnFilter(column, filter)}});
+            const bool passes = rules.find(rule) != rules.npos;
+            EXPECT_EQ(rig.rows.RowCount(), passes ? 1u : 0u) << column << " " << filter;
+            rig.rows.RowEdited(item);
+            EXPECT_EQ(rig.rows.RowCount(), passes ? 1u : 0u) << column << " " << filter << " edited";
+        }
+        rig.rows.Arrange({{}, {column}, {}});
+        EXPECT_EQ(rig.rows.RowCount(), 2u) << column << " has a group with its head";
+        rig.rows.Arrange({});
+    }
+}
 
 TEST_F(RowsTest, EveryStepAgreesWithThePlainModelAndKeepsTheSelection) {
     for (unsigned seed = 1; seed <= 5; ++seed) {

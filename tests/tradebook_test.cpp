@@ -15,6 +15,7 @@
 #include "message/Tags.h"
 #include "records/CodeTables.h"
 #include "records/RecordText.h"
+#include "support/FakeClock.h"
 #include "support/FakeHost.h"
 #include "support/PlainKey.h"
 #include "tradebook/GridProperties.h"
@@ -76,7 +77,8 @@ class BookTest : public testing::Test, protected IBookObserver {
     }
 
     fake::FakeHost host;
-    TradeBook book{host};
+    fake::FakeClock clock;
+    TradeBook book{host, clock};
     int added = 0, resets = 0;
     std::string flags, events;
 };
@@ -110,6 +112,7 @@ TEST_F(BookTest, ATradeFromTheHostKeepsItsIdentifierAndIsReportedTwice) {
     book.AddFromHost(nameless);
     EXPECT_EQ(+book.Row(1).veltTradeID, 40u);
     EXPECT_EQ(+book.Row(0).veltTradeID, 41u);
+    EXPECT_EQ(+book.Row(0).veltOrderID, 41u);
     EXPECT_EQ(Codes(), (std::vector<msg::Code>{msg::TradeReport, msg::SecondTradeReport, msg::TradeReport,
                                                msg::SecondTradeReport}));
     TradeRecord again = Trade("C", "3", 40);
@@ -165,6 +168,9 @@ TEST_F(BookTest, TheLargestIdentifierDoesNotEndTheBook) {
     TradeRecord next = Trade("C", "3");
     EXPECT_EQ(book.Add(next), 2);
     EXPECT_EQ(+book.Find(2)->record.veltTradeID, 2u);
+    TradeRecord third = Trade("D", "4", 3), fourth = Trade("E", "5");
+    book.AddFromHost(third);
+    EXPECT_EQ(book.Add(fourth), 4) << "the search goes on where it ended";
 }
 
 TEST_F(BookTest, AKeyIsMadeOfTheTextsAsTheRecordHoldsThem) {
@@ -176,6 +182,125 @@ TEST_F(BookTest, AKeyIsMadeOfTheTextsAsTheRecordHoldsThem) {
     TradeRecord joined = Trade("X", "9|8"), apart = Trade("X|9", "8");
     book.Add(joined);
     EXPECT_TRUE(book.HolderOf(apart)) << "what is joined alike is one key";
+}
+
+// Trades that name their contract by exchange and SecurityID alone.
+class ContractTest : public BookTest {
+ protected:
+    static TradeRecord Bare(const char* identifier, const char* trade) {
+        TradeRecord record = Trade("", trade);
+        SetText(record.exchange, "NSE");
+        SetText(record.securityID, identifier);
+        return record;
+    }
+    SecurityMasterEntry& Contract() {
+        SecurityMasterEntry& entry = host.Identify("NSE", "7");
+        SetText(entry.securityType, "OPTIDX"), SetText(entry.symbol, "IND50");
+        SetText(entry.expiryText, "26Feb2026"), SetText(entry.optionType, "CE");
+        entry.strikePrice = 24000.5;
+        return entry;
+    }
+    // The texts that the record has of its own, as frames carry them.
+    static std::string Own(const TradeRecord& record) {
+        std::string text;
+        for (const std::string_view part :
+             {TextOf(record.exchange), TextOf(record.securityID), TextOf(record.securityType),
+              TextOf(record.symbol), TextOf(record.expiryDate), TextOf(record.optionType)})
+            text.append(part) += '|';
+        return text + std::to_string(record.strikePrice);
+    }
+    int Asked() { return host.asked[master::ContractByID]; }
+    static constexpr const char* kWhole = "NSE|7|OPTIDX|IND50|26Feb2026|CE|24000.500000";
+};
+
+TEST_F(ContractTest, EmptyTextsAreFilledWhenATradeEnters) {
+    Contract();
+    TradeRecord fromHost = Bare("7", "1"), imported = Bare("7", "2"), added = Bare("7", "3");
+    book.AddFromHost(fromHost);
+    book.AddUnlessHeld(imported, {});
+    book.Add(added);
+    for (std::uint32_t row = 0; row < 3; ++row)
+        EXPECT_EQ(Own(book.Row(row)), kWhole);
+    EXPECT_TRUE(book.HolderOf(Trade("IND50", "1"))) << "its key is that of its contract";
+    std::string symbol;
+    for (const fake::Field& field : host.sent.at(0).fields) {
+        if (field.tag == tag::Symbol) symbol.assign(field.value.begin(), field.value.end());
+    }
+    EXPECT_EQ(symbol, "IND50");
+    // What names another contract is left as it is: no contract is made of two.
+    TradeRecord other = Bare("7", "4");
+    SetText(other.symbol, "BNK12");
+    book.AddFromHost(other);
+    EXPECT_EQ(Own(book.Row(0)), "NSE|7||BNK12|||0.000000");
+}
+
+TEST_F(ContractTest, StoredTradesAreFilledBeforeASaveWithoutFlagOrReport) {
+    const SecurityMasterEntry& entry = Contract();
+    TradeRecord stored = Bare("7", "1");
+    stored.security = &entry;
+    Load({{stored, false}, {Trade("A", "2", 9), false}, {stored, true}});
+    book.FillFromContracts();
+    EXPECT_EQ(Own(book.Row(0)), kWhole);
+    EXPECT_TRUE(book.HolderOf(Trade("IND50", "1")));
+    EXPECT_FALSE(book.HolderOf(Trade("", "1")));
+    EXPECT_EQ(events, "edited 0 ");
+    EXPECT_FALSE(book.Changed());
+    EXPECT_TRUE(host.sent.empty());
+    EXPECT_EQ(book.Totals().bought, 20u);
+    book.FillFromContracts();
+    EXPECT_EQ(events, "edited 0 ") << "nothing is left to fill";
+}
+
+TEST_F(ContractTest, WhatHadNoAnswerIsAskedForAgain) {
+    const TradeRecord bare = Bare("7", "1");
+    const auto found = [&] { return book.Securities().Find(bare) != nullptr; };
+    TradeRecord trade = bare;
+    EXPECT_FALSE(found());
+    book.Add(trade);
+    EXPECT_EQ(Asked(), 1) << "within the same second";
+    clock.ticks += 999;
+    EXPECT_FALSE(found());
+    EXPECT_EQ(Asked(), 1);
+    clock.ticks += 1;
+    EXPECT_FALSE(found());
+    EXPECT_EQ(Asked(), 2);
+    book.Securities().AskAgain();
+    EXPECT_FALSE(found());
+    EXPECT_EQ(Asked(), 3);
+    // The terminal has read its master: the trades that are there get their contract, too.
+    const SecurityMasterEntry& entry = Contract();
+    events.clear(), flags.clear(), host.sent.clear();
+    book.FindContracts();
+    EXPECT_EQ(+book.Row(0).security, &entry);
+    EXPECT_EQ(Own(book.Row(0)), kWhole);
+    EXPECT_EQ(events + flags, "edited 0 ");
+    EXPECT_TRUE(host.sent.empty());
+    EXPECT_EQ(Asked(), 4);
+    clock.ticks += 100000;
+    book.FindContracts();
+    EXPECT_TRUE(found());
+    EXPECT_EQ(Asked(), 4) << "an answer is remembered";
+}
+
+// Whatever comes while the terminal is asked.
+TEST_F(ContractTest, TradesComeAndGoWhileContractsAreFound) {
+    for (const char* trade : {"1", "2", "3"}) {
+        TradeRecord record = Bare(trade, trade);
+        book.Add(record);
+    }
+    int asked = 0;
+    host.onAsk = [&] {
+        if (++asked != 1) return;
+        TradeRecord inner = Trade("A", "9");
+        book.AddFromHost(inner);
+        const TradeItem items[] = {0, 1};
+        book.Delete(items);
+    };
+    for (const char* identifier : {"1", "2", "3"})
+        SetText(host.Identify("NSE", identifier).symbol, identifier);
+    book.FindContracts();
+    EXPECT_EQ(Symbols(), "A 3 ");
+    EXPECT_EQ(+book.Find(1)->record.security, nullptr) << "it was deleted meanwhile";
 }
 
 // The terminal hands over a trade while it is asked for the contract of another one.
@@ -214,7 +339,7 @@ TEST_F(AskedInBetweenTest, NoTwoTradesShareAnIdentifier) {
 
 TEST_F(AskedInBetweenTest, AKeyThatCameMeanwhileIsHeld) {
     inner = Of("A-longer-identifier", "1", 7);
-    EXPECT_EQ(book.AddUnlessHeld(outer), 7u);
+    EXPECT_EQ(book.AddUnlessHeld(outer, {}), 7u);
     EXPECT_EQ(book.RowCount(), 1u);
 }
 

@@ -33,8 +33,23 @@ std::string_view BytesOf(const double& value) {
 
 }  // namespace
 
-bool ContractCache::Resolve(TradeRecord& record) {
-    if (!host_.HasSecurityMaster()) return false;
+ContractFound ContractCache::Resolve(TradeRecord& record) {
+    if (!host_.HasSecurityMaster()) return ContractFound::No;
+    if (ResolveNames(record)) return ContractFound::ByNames;
+    return ResolveIdentifier(record) ? ContractFound::ByIdentifier : ContractFound::No;
+}
+
+// The names go with the identifier: those of no contract beside it would be reported.
+bool ContractCache::ResolveIdentifier(TradeRecord& record) {
+    const SecurityMasterEntry* const entry = book_.ContractOf(record);
+    if (entry == nullptr) return false;
+    const auto [found, fresh] = identified_.try_emplace(entry);
+    if (fresh) TakeContract(found->second, *entry);
+    CopyContract(record, found->second);
+    return true;
+}
+
+bool ContractCache::ResolveNames(TradeRecord& record) {
     const bool option = TextOf(record.securityType).find("OPT") != std::string_view::npos;
     Key key;
     key.Add(TextOf(record.exchange));

@@ -24,10 +24,21 @@ std::string_view LineOf(std::string_view raw, std::uint64_t number) {
     return number == 1 ? WithoutByteOrderMark(raw) : raw;
 }
 
+// In UTF-8; empty when the name has no such form.
+std::string NameOf(const std::filesystem::path& path) try {
+    const std::u8string name = path.filename().u8string();
+    return {name.begin(), name.end()};
+} catch (...) {
+    return {};
+}
+
 }  // namespace
 
 CsvImport::CsvImport(const ImportPorts& ports, const ImportMapping& mapping)
-    : ports_(ports), plan_(mapping, ports.clock), hasHeader_(mapping.header), contracts_(ports.host) {}
+    : ports_(ports),
+      plan_(mapping, ports.clock),
+      hasHeader_(mapping.header),
+      contracts_(ports.host, ports.book) {}
 
 void CsvImport::Tell(std::string_view text, Icon icon) {
     ports_.user.Box(text, kTitle, Buttons::Ok, icon);
@@ -74,6 +85,7 @@ void CsvImport::TryToBegin(const std::filesystem::path& path) {
     if (!opened || !lines_->Readable()) return Tell("File Not Found", Icon::Warning);
     file_->Size(fileSize_);
     report_ = std::make_unique<ImportReport>(path);
+    source_ = {ChangeKind::Import, NameOf(path), 0};
     if (!MatchFile()) return Tell("Please Select Proper File", Icon::Warning);
     stage_ = Stage::Reading;
     hostClients_.AddClientsOf(ports_.host);
@@ -89,6 +101,7 @@ bool CsvImport::MatchFile() {
         ++lineNumber_;
         report_->SetHeader(lines_->Raw());
     }
+    if (lines_->TooLong()) return false;
     return plan_.UseHeader(firstLine);
 }
 
@@ -118,7 +131,8 @@ void CsvImport::Advance(std::size_t maxLines) {
 // line at its new end, if it has no end of its own: such a line is not believed.
 bool CsvImport::NextLine(std::string_view& line) {
     const bool got = lines_->Next(line);
-    const bool cutOff = lines_->Position() < fileSize_ && (!got || !lines_->Raw().ends_with('\n'));
+    const bool cutOff =
+        lines_->Position() < fileSize_ && !lines_->TooLong() && (!got || !lines_->Raw().ends_with('\n'));
     if (got && !cutOff) {
         ++lineNumber_;
         return true;
@@ -128,6 +142,27 @@ bool CsvImport::NextLine(std::string_view& line) {
         report_->Skipped(++lineNumber_, got ? lines_->Raw() : std::string_view(), LineOutcome::Unreadable);
     }
     return false;
+}
+
+// What is shown of it is kept at once: passing over the rest overwrites it.
+void CsvImport::BeginLongLine() {
+    longLineBegin_ = lines_->Position() - lines_->Raw().size();
+    longLine_ = lines_->Raw().substr(0, ImportReport::kShownText);
+}
+
+// A line that is too long is passed over piece by piece and then listed. False: a piece is left, and the step
+// ends, since a file without line ends may have any size.
+bool CsvImport::PassLongLine() {
+    if (!lines_->TooLong()) return true;
+    if (!lines_->PassRest()) return false;
+    if (lines_->Failed()) {
+        --lineNumber_;  // NextLine lists it as unreadable
+        return true;
+    }
+    const std::uint64_t bytes = lines_->Position() - longLineBegin_;
+    report_->Skipped(lineNumber_, longLine_, LineOutcome::TooLong,
+                     static_cast<std::uint32_t>((bytes + 1048575) / 1048576));
+    return true;
 }
 
 void CsvImport::HoldBatch() {
@@ -144,8 +179,13 @@ void CsvImport::ReadLines(std::size_t maxLines) {
     HoldBatch();
     std::string_view line;
     for (std::size_t count = 0; count < maxLines && !bookGone_; ++count) {
+        if (!PassLongLine()) return;
         if (!NextLine(line)) return EndOfFile();
-        DealWith(line);
+        if (lines_->TooLong()) {
+            BeginLongLine();
+        } else {
+            DealWith(line);
+        }
     }
 }
 
@@ -179,7 +219,9 @@ void CsvImport::MakeRecord(std::string_view line, std::string_view raw) {
         if (count != inHeader) doubts_.bits |= doubt::CellCount;
     }
     if (raw.find('"') != std::string_view::npos) doubts_.bits |= doubt::Quote;
-    if (!contracts_.Resolve(record_) && ports_.host.HasSecurityMaster()) doubts_.bits |= doubt::NoContract;
+    const ContractFound found = contracts_.Resolve(record_);
+    if (found == ContractFound::ByIdentifier) doubts_.bits |= doubt::ByIdentifier;
+    if (found == ContractFound::No && ports_.host.HasSecurityMaster()) doubts_.bits |= doubt::NoContract;
 }
 
 void CsvImport::SkipDuplicate(std::uint64_t number, std::string_view raw, std::uint32_t holder) {
@@ -190,7 +232,8 @@ void CsvImport::SkipDuplicate(std::uint64_t number, std::string_view raw, std::u
 
 // False: the book holds the trade already.
 bool CsvImport::Enter(std::uint64_t number, std::string_view raw) {
-    if (const std::uint32_t holder = ports_.book.AddUnlessHeld(record_); holder != 0) {
+    source_.number = static_cast<std::uint32_t>(number);
+    if (const std::uint32_t holder = ports_.book.AddUnlessHeld(record_, source_); holder != 0) {
         SkipDuplicate(number, raw, holder);
         return false;
     }
@@ -268,10 +311,11 @@ void CsvImport::Stop() {
     stage_ = stage_ == Stage::Reading ? Stage::Listing : Stage::Done;
 }
 
-// The line over which a run broke off is in the report, or it is not.
+// The line over which a run broke off is in the report, or it is not. One that is too long is listed when it
+// has been passed over.
 void CsvImport::AccountForLine() {
     const std::uint64_t known = report_->Lines() + held_.size() - accepted_ + (hasHeader_ ? 1 : 0);
-    if (stage_ == Stage::Reading && known < lineNumber_)
+    if (stage_ == Stage::Reading && known < lineNumber_ && !lines_->TooLong())
         report_->Skipped(lineNumber_, lines_->Raw(), LineOutcome::NotRead);
     if (stage_ == Stage::Accepting && known > lineNumber_) ++accepted_;
 }
@@ -295,12 +339,17 @@ void CsvImport::DropHeldLines(LineOutcome outcome) {
 void CsvImport::ListLines(std::size_t maxLines) {
     std::string_view line;
     for (std::size_t count = 0; count < maxLines; ++count) {
+        if (!PassLongLine()) return;
         if (!NextLine(line)) {
             CloseFile();
             stage_ = Stage::Done;
             return;
         }
-        report_->Skipped(lineNumber_, lines_->Raw(), LineOutcome::NotRead);
+        if (lines_->TooLong()) {
+            BeginLongLine();
+        } else {
+            report_->Skipped(lineNumber_, lines_->Raw(), LineOutcome::NotRead);
+        }
     }
 }
 

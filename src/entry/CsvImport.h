@@ -117,6 +117,8 @@ class CsvImport {
     bool MatchFile();
     void Advance(std::size_t maxLines);
     bool NextLine(std::string_view& line);
+    void BeginLongLine();
+    bool PassLongLine();
     void HoldBatch();
     void ReadLines(std::size_t maxLines);
     void DealWith(std::string_view line);
@@ -147,9 +149,12 @@ class CsvImport {
     std::unique_ptr<CsvLines> lines_;
     std::uint64_t fileSize_ = 0;
     std::uint64_t lineNumber_ = 0;
+    std::string longLine_;             // the beginning of one that is too long
+    std::uint64_t longLineBegin_ = 0;  // where it begins in the file
     std::vector<std::string_view> cells_;
     TradeRecord record_{};  // the line's trade
     Doubts doubts_;         // about it
+    ChangeSource source_;   // of it
 
     LineArena heldLines_;
     std::vector<HeldLine> held_;

@@ -129,8 +129,7 @@ void DlgImportDravel::Browse() {
     params.title = L"Import Trades";
     params.filter = L"CSV files|*.CSV|All files|*.*";
     const std::filesystem::path file = FileToImport();
-    std::error_code failure;
-    const bool folder = std::filesystem::is_directory(file, failure);
+    const bool folder = IsFolder(file);
     if (!folder) params.path = file.wstring();
     params.folder = folder ? file.wstring() : FolderToPropose();
     if (FileDialog(Window(), params)) TakeFile(params.path);
@@ -200,12 +199,15 @@ void DlgImportDravel::SuggestSet() {
     SetAnsiText(kSetHint, "Chosen because the file's first line names its fields");
 }
 
+bool DlgImportDravel::IsFolder(const std::filesystem::path& path) const {
+    FileInfo info;
+    return ports_.files.Info(path, info) && info.folder;
+}
+
 // A folder stands for the file of the expanded name in it.
 std::filesystem::path DlgImportDravel::FileToImport() const {
     const std::filesystem::path path(Unquoted(Text(kPath))), name(Unquoted(Text(kFileName)));
-    std::error_code failure;
-    return !name.empty() && !path.empty() && std::filesystem::is_directory(path, failure) ? path / name
-                                                                                          : path;
+    return !name.empty() && !path.empty() && IsFolder(path) ? path / name : path;
 }
 
 // Where the last import came from; the system passes over one that is gone.

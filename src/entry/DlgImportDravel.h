@@ -41,6 +41,7 @@ class DlgImportDravel final : public Dravel::DialogBase {
     void ShowChosen();
     void TakeFile(const std::wstring& path);
     void SuggestSet();
+    bool IsFolder(const std::filesystem::path& path) const;
     std::filesystem::path FileToImport() const;
     std::wstring FolderToPropose() const;
     void Remember(const std::filesystem::path& file) const;

@@ -3,6 +3,7 @@
 #include <utility>
 
 #include "support/OuterCall.h"
+#include "tradebook/BookGate.h"
 #include "tradebook/TradeBook.h"
 
 namespace Dravel {
@@ -12,6 +13,10 @@ void Entry::BookOpened(const BookParts& parts) {
     saver_ = std::make_unique<TradeSaver>(parts, context_.user);
     typing_ = std::make_unique<TradeEntry>(context_.host, context_.user, parts.book, parts.ui);
     context_.clients.Load();
+}
+
+void Entry::JournalOpened() {
+    if (saver_) saver_->StartJournal();
 }
 
 void Entry::BookClosed() {
@@ -24,23 +29,37 @@ void Entry::BookClosed() {
     parts_.reset();
 }
 
+std::string Entry::Refusal() const {
+    if (!parts_) return "The book is closed.";
+    return parts_->gate ? parts_->gate->Refusal() : std::string();
+}
+
+// Nobody may take what was not even begun for a save.
+bool Entry::CannotSave() {
+    const std::string reason = Refusal();
+    if (saver_ && reason.empty()) return false;
+    TellSaveFailed(context_.user, reason);
+    return true;
+}
+
 void Entry::Save() {
-    if (saver_) saver_->Save();
+    if (!CannotSave()) saver_->Save();
 }
 
 void Entry::FinishSaves() {
     if (saver_) saver_->Wait();
 }
 
-void Entry::SaveNow() {
-    if (saver_) saver_->SaveAndWait();
+bool Entry::SaveNow() {
+    return !CannotSave() && saver_->SaveAndWait();
 }
 
-bool Entry::AskToSave() {
+AskEnd Entry::AskToSave() {
     const std::uint32_t answer =
         context_.user.Box("Do you want to save Dravel", "Dravel", Buttons::YesNoCancel, Icon::Warning);
-    if (answer == kAnswerYes) SaveNow();
-    return true;
+    if (answer == kAnswerNo || answer == kAnswerCancel) return AskEnd::NotWanted;
+    if (answer != kAnswerYes) return AskEnd::Unanswered;
+    return SaveNow() ? AskEnd::Saved : AskEnd::Failed;
 }
 
 void Entry::Choices(const TradeDraft& draft, int column, std::string_view typed,
@@ -48,8 +67,10 @@ void Entry::Choices(const TradeDraft& draft, int column, std::string_view typed,
     if (typing_) typing_->Choices(draft, column, typed, choices);
 }
 
-EditEnd Entry::EndEdit(TradeDraft& draft, int column, std::string_view text, IDraftView& view) {
-    return typing_ ? typing_->EndEdit(draft, column, text, view) : EditEnd::Refused;
+EditEnd Entry::EndEdit(TradeDraft& draft, int column, std::string_view text, EditEnding ending,
+                       IDraftView& view) {
+    return typing_ && Refusal().empty() ? typing_->EndEdit(draft, column, text, ending, view)
+                                        : EditEnd::Refused;
 }
 
 int Entry::NextColumn(const TradeDraft& draft, int column) const {
@@ -61,7 +82,7 @@ std::string Entry::Missing(const TradeDraft& draft) const {
 }
 
 void Entry::Delete(IDraftView& view) {
-    if (typing_) typing_->Delete(view);
+    if (typing_ && Refusal().empty()) typing_->Delete(view);
 }
 
 // The dialog closes when what runs inside it has returned.
@@ -71,7 +92,7 @@ void Entry::EndImport() {
 
 // Importing twice at a time would let the inner run see half of the outer one.
 void Entry::Import(void* owner, const std::filesystem::path& file) {
-    if (!parts_ || !parts_->bar || importing_) return;
+    if (!parts_ || !parts_->bar || importing_ || !Refusal().empty()) return;
     struct Open {
         Entry& entry;
         explicit Open(Entry& owner) : entry(owner) { entry.importing_ = true; }
@@ -80,6 +101,7 @@ void Entry::Import(void* owner, const std::filesystem::path& file) {
             entry.importing_ = false;
         }
     } const open(*this);
+    parts_->book.Securities().AskAgain();
     context_.importDialog(
         owner,
         {context_.files, context_.host, context_.user, context_.clock, parts_->book, context_.clients,
@@ -90,7 +112,7 @@ void Entry::Import(void* owner, const std::filesystem::path& file) {
 void Entry::TakeReport(std::unique_ptr<ImportReport> report) {
     report_ = std::move(report);
     context_.reportView.Renew(report_);
-    if (parts_ && parts_->importEnded) parts_->importEnded();
+    if (parts_ && parts_->statusStale) parts_->statusStale();
 }
 
 void Entry::ShowImportReport(void* owner) {

@@ -31,30 +31,37 @@ struct EntryContext {
     IImportReportView& reportView;
 };
 
-// User-interface thread. Between BookClosed and the next BookOpened every request does nothing.
+// User-interface thread. Between BookClosed and the next BookOpened every request does nothing, but a save,
+// which fails. The same while the gate of the book lets no change pass.
 class Entry final : public IEntry {
  public:
     explicit Entry(const EntryContext& context) : context_(context) {}
 
     void BookOpened(const BookParts& parts) override;
+    void JournalOpened() override;
     void BookClosed() override;
     void Save() override;
-    bool AskToSave() override;
-    void SaveNow() override;
+    AskEnd AskToSave() override;
+    bool SaveNow() override;
     void EndImport() override;
     void FinishSaves() override;
     void Import(void* owner, const std::filesystem::path& file) override;
     void Choices(const TradeDraft& draft, int column, std::string_view typed,
                  std::vector<std::string>& choices) override;
-    EditEnd EndEdit(TradeDraft& draft, int column, std::string_view text, IDraftView& view) override;
+    EditEnd EndEdit(TradeDraft& draft, int column, std::string_view text, EditEnding ending,
+                    IDraftView& view) override;
     int NextColumn(const TradeDraft& draft, int column) const override;
     std::string Missing(const TradeDraft& draft) const override;
     void Delete(IDraftView& view) override;
     std::string ImportSummary() const override { return report_ ? report_->Summary() : std::string(); }
     void ShowImportReport(void* owner) override;
+    void RetryFiles() override { context_.clients.Retry(); }
     bool Busy() const override { return importing_ || context_.reportView.Asking(); }
 
  private:
+    // Why the user may not change the book now; empty: he may.
+    std::string Refusal() const;
+    bool CannotSave();
     void TakeReport(std::unique_ptr<ImportReport> report);
 
     EntryContext context_;

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <memory>
 
+#include "formatset/CsvLine.h"
 #include "formatset/NumberText.h"
 #include "tradebook/TradeColumns.h"
 
@@ -10,7 +11,7 @@ namespace Dravel {
 
 namespace {
 
-constexpr std::size_t kShownText = 255;           // more than a list shows of a cell
+static_assert(kLongestLine == std::size_t{16} << 20, "the reason for TooLong names it");
 constexpr std::size_t kWriteBlock = 1024 * 1024;  // bytes written at once
 
 struct DoubtText {
@@ -23,6 +24,7 @@ constexpr DoubtText kDoubtTexts[] = {
     {doubt::Number, "a number that does not read"},
     {doubt::ExpiryDate, "an expiry date that does not read"},
     {doubt::NoContract, "contract not found"},
+    {doubt::ByIdentifier, "contract found by its SecurityID alone"},
 };
 
 std::string DoubtsInWords(const Doubts& doubts) {
@@ -88,6 +90,8 @@ std::string ImportReport::Reason(const ReportRow& row) const {
             return "not read, import cancelled";
         case LineOutcome::Unreadable:
             return "the file could not be read on";
+        case LineOutcome::TooLong:
+            return "one line of " + GroupedText(row.detail) + " MB, longer than 16 MB; it is not saved";
     }
     return {};
 }
@@ -120,7 +124,7 @@ FileStatus ImportReport::WriteSkipped(IFile& file) const {
     std::string block = header_;
     FileStatus status;
     for (const ReportRow& row : rows_) {
-        if (row.outcome == LineOutcome::Imported) continue;
+        if (row.outcome == LineOutcome::Imported || row.outcome == LineOutcome::TooLong) continue;
         block.append(row.text, row.length);
         if (block.size() < kWriteBlock) continue;
         if (status = file.Write(block.data(), block.size()); !status) return status;

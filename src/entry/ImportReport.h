@@ -22,11 +22,19 @@ enum class LineOutcome : std::uint8_t {
     Empty,       // it has no cells
     NotRead,     // the import was cancelled before it
     Unreadable,  // the file could not be read here, or was cut off while it was read
+    TooLong,     // beyond kLongestLine; detail: MiB, rounded up. Its text is the beginning, and is not saved
 };
 
 // Why a line that came in is to be looked at.
 namespace doubt {
-enum Bit : std::uint8_t { CellCount = 1, Quote = 2, Number = 4, ExpiryDate = 8, NoContract = 16 };
+enum Bit : std::uint8_t {
+    CellCount = 1,
+    Quote = 2,
+    Number = 4,
+    ExpiryDate = 8,
+    NoContract = 16,
+    ByIdentifier = 32,  // the contract is that of the SecurityID, whatever the names say
+};
 }
 
 struct Doubts {
@@ -57,6 +65,8 @@ class ImportReport {
     explicit ImportReport(std::filesystem::path file, const ReportLimits& limits = {})
         : file_(std::move(file)), limits_(limits) {}
 
+    static constexpr std::size_t kShownText = 255;  // more than a list shows of a line
+
     // The file's first line as it stands there, when it names the columns.
     void SetHeader(std::string_view raw) { header_ = raw; }
     // Number under which an unknown client goes as a detail.
@@ -86,7 +96,8 @@ class ImportReport {
     std::string Overview() const;
 
     // Writes the header and the listed lines that were left out, byte for byte, so that they can be mended
-    // and imported. The file is written beside `path` and swapped: when it fails, what was there stays.
+    // and imported; but no line that is too long. The file is written beside `path` and swapped: when it
+    // fails, what was there stays.
     FileStatus SaveSkipped(IFiles& files, const std::filesystem::path& path) const;
 
  private:

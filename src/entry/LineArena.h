@@ -15,9 +15,10 @@ class LineArena {
     // Valid as long as the arena.
     std::string_view Keep(std::string_view line) {
         if (line.size() > room_) {
-            room_ = std::max(kBlock, line.size());
-            blocks_.push_back(std::make_unique_for_overwrite<char[]>(room_));
+            const std::size_t room = std::max(kBlock, line.size());
+            blocks_.push_back(std::make_unique_for_overwrite<char[]>(room));
             at_ = blocks_.back().get();
+            room_ = room;
         }
         if (!line.empty()) std::memcpy(at_, line.data(), line.size());
         const std::string_view kept(at_, line.size());

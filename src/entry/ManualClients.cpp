@@ -10,39 +10,62 @@
 namespace Dravel {
 
 bool ManualClients::FileIsThere() {
-    files_.MakeFolders(path_.parent_path());  // a failure shows when the file is opened
+    const std::filesystem::path& path = file_.Path();
+    files_.MakeFolders(path.parent_path());  // a failure shows when the file is opened
     FileInfo info;
-    const FileFault fault = files_.Info(path_, info).fault;
+    const FileFault fault = files_.Info(path, info).fault;
     if (fault != FileFault::NotFound && fault != FileFault::PathNotFound) return true;
     std::unique_ptr<IFile> file;
-    files_.Open(path_, FileMode::Create, FileShare::DenyNone, file);
+    files_.Open(path, FileMode::Create, FileShare::DenyNone, file);
     return false;
 }
 
 void ManualClients::Load() {
-    std::string text;
-    unread_ = FileIsThere() && !ReadTextFile(files_, path_, text, kManualClientsLimit);
-    std::string_view rest = text;
-    while (!rest.empty()) {
-        const std::size_t end = std::min(rest.find('\n'), rest.size());
-        const std::string_view id = rest.substr(0, end);
-        rest.remove_prefix(std::min(end + 1, rest.size()));
-        if (id.empty()) continue;
-        Add(id);
-        Announce(std::string(id));
-    }
+    unread_ = FileIsThere() && !Read(true);
 }
 
+// False: what it holds is not known. A file that is too long counts so.
+bool ManualClients::Read(bool announce) {
+    const KeptFile::State state = file_.Try([&](std::string_view rest) {
+        while (!rest.empty()) {
+            const std::size_t end = std::min(rest.find('\n'), rest.size());
+            const std::string_view id = rest.substr(0, end);
+            rest.remove_prefix(std::min(end + 1, rest.size()));
+            if (id.empty()) continue;
+            Add(id);
+            if (announce) Announce(std::string(id));
+        }
+        return true;
+    });
+    return state == KeptFile::State::Read || state == KeptFile::State::Missing;
+}
+
+// The lock holds off another terminal between the reading and the writing.
 void ManualClients::Save() {
+    unsaved_ = false;
     if (!FileIsThere()) return;
-    if (unread_) Load();
-    if (unread_) return;
+    unsaved_ = true;
+    std::filesystem::path lockPath = file_.Path();
+    lockPath += ".lock";
+    std::unique_ptr<IFile> lock;
+    if (files_.OpenLock(lockPath, lock).fault == FileFault::InUse) return;
+    if (!Read(unread_)) return;
+    unread_ = false;
     std::string text;
     for (const std::string& id : ids_)
         text.append(id) += '\n';
-    if (!WriteTextFile(files_, path_, text)) return;
+    if (!file_.Write(text, true)) return;
+    unsaved_ = false;
     for (const std::string& id : ids_)
         Announce(id);
+}
+
+void ManualClients::Retry() {
+    if (unsaved_) {
+        Save();
+    } else if (unread_) {
+        Load();
+    }
 }
 
 void ManualClients::Add(std::string_view id) {

@@ -41,8 +41,8 @@ std::span<const std::string> FixedChoices(int column) {
     return {};
 }
 
-// Columns whose change can make a row ready.
-constexpr bool Completes(int column) {
+// Columns whose change can make a new row ready.
+constexpr bool CompletesNewRow(int column) {
     return (column >= column::ClientID && column <= column::Price) ||
            (column >= column::OrderType && column <= column::OpenClose && column != column::PendingQuantity);
 }
@@ -133,21 +133,38 @@ bool TradeEntry::Complete(const TradeDraft& draft, int column, std::string& text
     return !IsContractCell(column);
 }
 
-EditEnd TradeEntry::EndEdit(TradeDraft& draft, int column, std::string_view typed, IDraftView& view) {
+EditEnd TradeEntry::EndEdit(TradeDraft& draft, int column, std::string_view typed, EditEnding ending,
+                            IDraftView& view) {
     if (!kTradeColumns[static_cast<std::size_t>(column)].editable) return EditEnd::Refused;
     std::string text(Trimmed(typed));
-    if (!Complete(draft, column, text)) return EditEnd::Refused;
-    const bool changed = text != Cell(draft, column);
-    if (changed) {
-        draft.Set(column, text);
-        Cascade(draft, column, view);
+    if (text != Cell(draft, column)) {
+        const EditEnd read = Understand(draft, column, text, ending, view);
+        if (read != EditEnd::Kept) return read;
+    } else if (!Complete(draft, column, text)) {
+        return EditEnd::Refused;
     }
+    const bool changed = text != Cell(draft, column);
+    if (changed && !Change(draft, column, text, view)) return EditEnd::Refused;
     if (!view.Holds(draft.id)) return EditEnd::Kept;
     view.DraftChanged(draft);
-    const bool contractEnds =
-        changed && !draft.New() && IsContractCell(column) && Filled(draft, column::SecurityID);
-    if (draft.set.none() || !(Completes(column) || contractEnds)) return EditEnd::Kept;
+    if (draft.set.none() || !Completes(draft, column, changed)) return EditEnd::Kept;
     return TryCommit(draft, view);
+}
+
+// A trade of the book lacks nothing, so that every cell of it counts at once; those of its contract when the
+// contract is found, since half of one is no other contract.
+bool TradeEntry::Completes(const TradeDraft& draft, int column, bool changed) const {
+    if (draft.New()) return CompletesNewRow(column);
+    if (!IsContractCell(column) && column != column::SecurityID) return true;
+    return changed && Filled(draft, column::SecurityID);
+}
+
+// False: the cell does not take the text.
+bool TradeEntry::Change(TradeDraft& draft, int column, std::string_view text, IDraftView& view) {
+    if (column == column::SecurityID && !text.empty()) return TakeContractOf(draft, text, view);
+    draft.Set(column, text);
+    Cascade(draft, column, view);
+    return true;
 }
 
 void TradeEntry::Cascade(TradeDraft& draft, int column, IDraftView& view) {

@@ -26,7 +26,8 @@ class TradeEntry {
     // What IEntry says of them.
     void Choices(const TradeDraft& draft, int column, std::string_view typed,
                  std::vector<std::string>& choices);
-    EditEnd EndEdit(TradeDraft& draft, int column, std::string_view text, IDraftView& view);
+    EditEnd EndEdit(TradeDraft& draft, int column, std::string_view text, EditEnding ending,
+                    IDraftView& view);
     int NextColumn(const TradeDraft& draft, int column) const;
     std::string Missing(const TradeDraft& draft) const;
     void Delete(IDraftView& view);
@@ -42,6 +43,11 @@ class TradeEntry {
     std::span<const std::string> Ask(const TradeDraft& draft, std::uint32_t kind,
                                      std::vector<std::string> texts);
     bool Complete(const TradeDraft& draft, int column, std::string& text);
+    EditEnd Understand(const TradeDraft& draft, int column, std::string& text, EditEnding ending,
+                       IDraftView& view);
+    bool Completes(const TradeDraft& draft, int column, bool changed) const;
+    bool Change(TradeDraft& draft, int column, std::string_view text, IDraftView& view);
+    bool TakeContractOf(TradeDraft& draft, std::string_view securityID, IDraftView& view);
 
     void Cascade(TradeDraft& draft, int column, IDraftView& view);
     void ExchangeChosen(TradeDraft& draft);

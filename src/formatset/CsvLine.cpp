@@ -18,7 +18,8 @@ std::string_view WithoutByteOrderMark(std::string_view text) {
 
 namespace {
 
-constexpr std::size_t kStretch = 64;  // bytes that are looked at at once
+constexpr std::size_t kStretch = 64;                     // bytes that are looked at at once
+constexpr std::size_t kMostRead = std::size_t{1} << 20;  // bytes, so that no single call takes long
 
 // Bit n: byte n of the stretch is a comma. Every x64 processor has these instructions.
 std::uint64_t CommasOf(const char* stretch) {
@@ -63,19 +64,30 @@ void SplitCells(std::string_view line, std::vector<std::string_view>& cells, std
     cells.resize(count);
 }
 
-CsvLines::CsvLines(IFile& file, std::size_t blockSize)
-    : file_(file), block_(blockSize < 16 ? 16 : blockSize) {}
+CsvLines::CsvLines(IFile& file, std::size_t blockSize, std::size_t longestLine)
+    : file_(file), longestLine_(longestLine), block_(blockSize < 16 ? 16 : blockSize) {}
 
 bool CsvLines::Readable() {
     return last_ != 0 || Fill() || !failed_;
 }
 
+// Of the line that is being read, as far as it is there: where its line feed stands, last_ without one.
+std::size_t CsvLines::FindEnd() const {
+    if (scanned_ == last_) return last_;
+    const void* found = std::memchr(block_.data() + scanned_, '\n', last_ - scanned_);
+    return found ? static_cast<std::size_t>(static_cast<const char*>(found) - block_.data()) : last_;
+}
+
 bool CsvLines::Next(std::string_view& line) {
+    while (tooLong_)
+        PassRest();
     for (;;) {
-        const void* found =
-            scanned_ < last_ ? std::memchr(block_.data() + scanned_, '\n', last_ - scanned_) : nullptr;
-        if (found != nullptr) {
-            const auto end = static_cast<std::size_t>(static_cast<const char*>(found) - block_.data());
+        const std::size_t end = FindEnd();
+        if (end - first_ > longestLine_) {
+            TakeBeginning(line);
+            return true;
+        }
+        if (end < last_) {
             Take(end, end + 1, line);
             return true;
         }
@@ -85,6 +97,24 @@ bool CsvLines::Next(std::string_view& line) {
         Take(last_, last_, line);
         return true;
     }
+}
+
+void CsvLines::TakeBeginning(std::string_view& line) {
+    line = raw_ = {block_.data() + first_, longestLine_};
+    position_ += longestLine_;
+    first_ = scanned_ = first_ + longestLine_;
+    tooLong_ = true;
+}
+
+bool CsvLines::PassRest() {
+    if (!tooLong_) return true;
+    const std::size_t end = FindEnd();
+    const bool found = end < last_;
+    const std::size_t next = found ? end + 1 : last_;
+    position_ += next - first_;
+    first_ = scanned_ = next;
+    tooLong_ = !found && Fill();
+    return !tooLong_;
 }
 
 // The line up to `end`; the following one starts at `next`.
@@ -98,7 +128,7 @@ void CsvLines::Take(std::size_t end, std::size_t next, std::string_view& line) {
 }
 
 // Reads more bytes behind those that are there; the line being read moves to the front, and the block doubles
-// when the line fills it, so that a line of any length costs no more than its bytes.
+// when the line fills it, so that a line costs no more than its bytes.
 bool CsvLines::Fill() {
     if (atEnd_ || failed_) return false;
     if (first_ > 0) {
@@ -114,7 +144,8 @@ bool CsvLines::Fill() {
         return false;
     }
     std::size_t got = 0;
-    failed_ = !file_.Read(block_.data() + last_, block_.size() - last_, got);
+    const std::size_t room = std::min(block_.size() - last_, kMostRead);
+    failed_ = !file_.Read(block_.data() + last_, room, got);
     atEnd_ = got == 0;
     last_ += got;
     return !failed_ && got > 0;

@@ -31,19 +31,31 @@ std::string_view WithoutByteOrderMark(std::string_view text);
 // into `line`; the vector is used again without a new allocation.
 void SplitCells(std::string_view line, std::vector<std::string_view>& cells, std::size_t limit = SIZE_MAX);
 
-// Reads the lines of a file in large blocks. Lines may have any length and hold any byte.
+// Bytes of the longest line that is read as a whole, its end apart. Nobody's trade is longer, and a file
+// without line ends must not take up the memory of its size.
+inline constexpr std::size_t kLongestLine = std::size_t{16} << 20;
+
+// Reads the lines of a file in large blocks. Lines may hold any byte.
 class CsvLines {
  public:
     // Borrows the file, which is read from where it stands.
-    explicit CsvLines(IFile& file, std::size_t blockSize = 256 * 1024);
+    explicit CsvLines(IFile& file, std::size_t blockSize = 256 * 1024,
+                      std::size_t longestLine = kLongestLine);
 
     // Whether the beginning of the file can be read.
     bool Readable();
     // The next line without its end (LF, or CR LF; a CR at the very end of the file counts as a cut line
     // end). A byte-order mark in front of the first line is stepped over. Valid until the next call. False:
     // none is left, or the file could not be read on (see Failed).
+    //
+    // Of a line longer than the longest, its first bytes are given, and TooLong holds until its rest has been
+    // passed over. Next does that by itself; who must not be kept waiting calls PassRest before.
     bool Next(std::string_view& line);
-    // The line of the last Next as it stands in the file, with its end and the byte-order mark.
+    bool TooLong() const { return tooLong_; }
+    // Reads on, a block at most. True: the line's end is reached, or that of the file.
+    bool PassRest();
+    // The line of the last Next as it stands in the file, with its end and the byte-order mark. Valid as long
+    // as the line is.
     std::string_view Raw() const { return raw_; }
     bool Failed() const { return failed_; }
     // Bytes that the lines so far took up.
@@ -51,9 +63,12 @@ class CsvLines {
 
  private:
     bool Fill();
+    std::size_t FindEnd() const;
     void Take(std::size_t end, std::size_t next, std::string_view& line);
+    void TakeBeginning(std::string_view& line);
 
     IFile& file_;
+    const std::size_t longestLine_;
     std::vector<char> block_;
     std::size_t first_ = 0;    // start of the line that is being read
     std::size_t scanned_ = 0;  // no line end in front of it
@@ -62,6 +77,7 @@ class CsvLines {
     std::string_view raw_;
     bool atEnd_ = false;
     bool failed_ = false;
+    bool tooLong_ = false;
 };
 
 }  // namespace Dravel

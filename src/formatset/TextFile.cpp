@@ -41,10 +41,11 @@ FileStatus WriteFlushed(IFiles& files, const std::filesystem::path& path, const 
 }
 
 // Somebody may be reading the old file just now.
-FileStatus Swap(IFiles& files, const std::filesystem::path& beside, const std::filesystem::path& path) {
+FileStatus Swap(IFiles& files, const std::filesystem::path& beside, const std::filesystem::path& path,
+                bool patient) {
     for (int tries = 1;; ++tries) {
         const FileStatus status = files.Replace(beside, path);
-        if (status.fault != FileFault::InUse || tries == kSwapTries) return status;
+        if (status.fault != FileFault::InUse || tries == kSwapTries || !patient) return status;
         SystemClock().Sleep(kSwapPause);
     }
 }
@@ -68,13 +69,14 @@ FileStatus ReadTextFile(IFiles& files, const std::filesystem::path& path, std::s
     return {};
 }
 
-FileStatus WriteTextFile(IFiles& files, const std::filesystem::path& path, std::string_view text) {
+FileStatus WriteTextFile(IFiles& files, const std::filesystem::path& path, std::string_view text,
+                         bool patient) {
     if (path.has_parent_path())
         files.MakeFolders(path.parent_path());  // a failure shows when the file is made
     std::filesystem::path beside = path;
     beside += ".new";
     FileStatus status = WriteFlushed(files, beside, WithDiskLineEnds(text));
-    if (status) status = Swap(files, beside, path);
+    if (status) status = Swap(files, beside, path, patient);
     if (!status) files.Remove(beside);
     return status;
 }

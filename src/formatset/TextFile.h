@@ -19,8 +19,9 @@ FileStatus ReadTextFile(IFiles& files, const std::filesystem::path& path, std::s
                         std::size_t limit = kTextFileLimit);
 
 // Writes beside the file (".new" behind its name), flushes, then replaces it in one step: at every moment the
-// old or the new text is there whole. Waits up to half a second for a program that has the file open. Makes
-// missing folders. After a failure nothing is left beside the file.
-FileStatus WriteTextFile(IFiles& files, const std::filesystem::path& path, std::string_view text);
+// old or the new text is there whole. A patient call waits up to half a second for a program that has the
+// file open. Makes missing folders. After a failure nothing is left beside the file.
+FileStatus WriteTextFile(IFiles& files, const std::filesystem::path& path, std::string_view text,
+                         bool patient = true);
 
 }  // namespace Dravel

@@ -82,6 +82,26 @@ inline constexpr Tag VELTOrderID = 20402;
 inline constexpr Tag ExchangeTradeID = 55402;
 inline constexpr Tag ExchangeOrderNo = 55403;
 inline constexpr Tag DeletedMark = 5005;
+
+// Files of our own beside the book
+inline constexpr Tag WaitingNumber = 20421;  // of a trade in its waiting file
+
+// The journal, our own
+inline constexpr Tag ChangeKind = 5501;
+inline constexpr Tag ChangeNumber = 20501;
+inline constexpr Tag RowAbove = 20502;
+inline constexpr Tag KeptAside = 20503;
+inline constexpr Tag DraftID = 20504;
+inline constexpr Tag DraftTrade = 20505;
+inline constexpr Tag FrameNumber = 30101;
+inline constexpr Tag FrameTime = 30102;
+inline constexpr Tag JournalID = 30103;
+inline constexpr Tag FileLength = 30104;
+inline constexpr Tag FileChecksum = 30105;
+inline constexpr Tag FrameChecksum = 30106;  // of the bytes before it; the last field
+inline constexpr Tag ChangeName = 55501;
+inline constexpr Tag Identifiers = 55502;
+inline constexpr Tag DraftCell = 55600;  // of column 0; the others follow
 }  // namespace tag
 
 // Message codes: the value of tag::MessageCode, first field of every frame.
@@ -124,4 +144,18 @@ inline constexpr Code ManualClient = 32053;
 
 // Record file
 inline constexpr Code StoredTrade = 60004;
+
+// Waiting file
+inline constexpr Code WaitingTrade = 60021;
+
+// Journal
+inline constexpr Code JournalHead = 60011;
+inline constexpr Code JournalPut = 60012;
+inline constexpr Code JournalDeleted = 60013;
+inline constexpr Code JournalMoved = 60014;
+inline constexpr Code JournalDraft = 60015;
+inline constexpr Code JournalDraftGone = 60016;
+inline constexpr Code JournalMark = 60017;
+inline constexpr Code JournalMarkFile = 60018;
+inline constexpr Code JournalLast = JournalMarkFile;
 }  // namespace msg

@@ -17,6 +17,7 @@ enum class FileFault : std::uint8_t {
     PathNotFound,  // a folder on the way does not exist (system error 3 on Windows)
     Exists,        // the target of a rename or link is there already
     InUse,         // another handle or program holds the file
+    Denied,        // the system refuses it to this user, or the file or its disk is read-only
     Full,          // the disk is full, or the write came back short
     Other,
 };
@@ -60,9 +61,11 @@ class IFile {
 struct FileInfo {
     std::uint64_t size = 0;
     std::int64_t modified = 0;  // seconds since 1970-01-01 00:00:00 UTC
+    bool folder = false;
 };
 
-// Changes of names reach the disk in the order in which they were made. Any thread may call.
+// Changes of names reach the disk in the order in which they were made. Any thread may call. Paths may have
+// any length that the disk takes: on Windows, too, where the system's own limit for plain ones is 260.
 class IFiles {
  public:
     virtual ~IFiles() = default;

@@ -15,7 +15,8 @@ class CKRVThread {
     CKRVThread(const CKRVThread&) = delete;
     CKRVThread& operator=(const CKRVThread&) = delete;
 
-    // Runs `work`, which must not throw. False: the system has no thread left.
+    // Runs `work`, which must not throw, under our own floating point state. False: the system has no thread
+    // left.
     bool Start(std::function<void()> work);
     bool Runs() const;
     void Join();

@@ -8,6 +8,7 @@
 #include "message/TagMessageReader.h"
 #include "message/TagMessageWriter.h"
 #include "message/Tags.h"
+#include "platform/ForeignCall.h"
 
 namespace Dravel {
 
@@ -43,14 +44,15 @@ void BuildSelectedContract(CTagMessageWriter& frame, const SelectedCells* row) {
     frame.AppendDouble(tag::Price, NumberOf(row->price));
 }
 
-void Reply(std::uint64_t address, CTagMessageWriter& frame) {
+bool Reply(std::uint64_t address, CTagMessageWriter& frame) {
     SelectedContractReply reply{};
     reply.data = frame.GetData();
     reply.length = frame.GetLength();
     const auto function =
         reinterpret_cast<void (*)(SelectedContractReply*)>(static_cast<std::uintptr_t>(address));
-    function(&reply);
+    if (!CallForeign([&] { function(&reply); }).returned) return false;
     std::free(reply.buffer);  // the terminal made it as an array, on the heap that both share
+    return true;
 }
 
 void BuildEntryAnnouncement(CTagMessageWriter& frame, std::uint64_t onPluginMessage) {

@@ -22,7 +22,8 @@ std::uint64_t ReplyAddress(CTagMessageReader& query);
 void BuildSelectedContract(CTagMessageWriter& frame, const SelectedCells* row);
 
 // Calls the terminal's function with the finished frame and frees what it leaves behind. `address` not 0.
-void Reply(std::uint64_t address, CTagMessageWriter& frame);
+// False: the function threw or faulted.
+bool Reply(std::uint64_t address, CTagMessageWriter& frame);
 
 // The fields of the announcement of the message entry, behind its message code.
 void BuildEntryAnnouncement(CTagMessageWriter& frame, std::uint64_t onPluginMessage);

@@ -16,10 +16,11 @@ class CKRVDLLComman : public Dravel::HostCallbacks {
 
     // Modal, under a wait cursor. `owner` (HWND) may be null; `buttons` and `icon` are numbers of the enums
     // of host/User.h; `extraStyle` are further style bits; `remember` not 0 offers " Don't Ask Again", whose
-    // state goes to `checked` (may be null). Returns the identifier of the button pressed.
+    // state goes to `checked` (may be null); `window` as in KRVP_MSGBOXPARAMS. Returns the identifier of the
+    // button pressed.
     std::uint32_t ShowMessageBox(void* owner, const wchar_t* text, const wchar_t* caption,
                                  std::uint32_t buttons, std::uint32_t icon, std::uint32_t extraStyle = 0,
-                                 std::uint8_t remember = 0, bool* checked = nullptr);
+                                 std::uint8_t remember = 0, bool* checked = nullptr, void** window = nullptr);
 
     // Captions of the two buttons of set 7.
     void SetOwnCaptions(std::wstring first, std::wstring second);

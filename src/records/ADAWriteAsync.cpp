@@ -1,5 +1,6 @@
 #include "records/ADAWriteAsync.h"
 
+#include <algorithm>
 #include <chrono>
 #include <mutex>
 #include <string>
@@ -13,7 +14,7 @@ namespace {
 constexpr char kContext[] = "KRV::Base::CKRVADAWriteAsync::StartThread";
 }
 
-CKRVADAWriteAsync::CKRVADAWriteAsync(Dravel::ILog& log) : log_(log) {
+CKRVADAWriteAsync::CKRVADAWriteAsync(Dravel::ILog& log, IWriterChore* chore) : log_(log), chore_(chore) {
     if (!event_.Valid()) {
         log_.Line(LogLevel::Error, kContext,
                   "CreateEvent failed:" + std::to_string(Thread::LastSystemError()));
@@ -41,6 +42,12 @@ bool CKRVADAWriteAsync::Post(IADAItem* item) {
     itemsRemain_ = true;
     event_.Set();
     return true;
+}
+
+bool CKRVADAWriteAsync::Wake() {
+    const std::lock_guard guard(lock_);
+    if (running_) event_.Set();
+    return running_;
 }
 
 void CKRVADAWriteAsync::Stop() {
@@ -74,13 +81,21 @@ IADAItem* CKRVADAWriteAsync::Take() {
     return item;
 }
 
+// How long the thread may rest, after the chore was seen to.
+std::uint32_t CKRVADAWriteAsync::Pause() noexcept {
+    if (!chore_) return kWriterWakeUp;
+    if (chore_->DueIn() == 0) chore_->RunDue();
+    return std::min(chore_->DueIn(), kWriterWakeUp);
+}
+
 void CKRVADAWriteAsync::Work() noexcept {
     bool waits = true;
     do {
         while (IADAItem* item = Take()) {
             CarryOut(*item);
+            if (chore_ && chore_->DueIn() == 0) chore_->RunDue();
         }
-        if (waits && event_.Wait(kWriterWakeUp) == Thread::WaitResult::Failed) {
+        if (waits && event_.Wait(Pause()) == Thread::WaitResult::Failed) {
             log_.Line(LogLevel::Error, kContext,
                       "WaitForSingleObject failed: " + std::to_string(Thread::LastSystemError()));
             waits = false;

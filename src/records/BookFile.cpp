@@ -41,24 +41,38 @@ BookFile::~BookFile() {
     Release();
 }
 
-bool BookFile::Acquire() {
+BookClaim BookFile::Acquire() {
     const std::lock_guard guard(lock_);
-    if (owner_) return true;
-    files_.MakeFolders(livePath_.parent_path());
-    if (const FileStatus status = files_.OpenLock(lockPath_, owner_); !status) {
-        LogFault("The book is not ours, error ", status, kContext);
-        return false;
-    }
+    if (owner_) return {BookAccess::Ours, {}};
+    const FileStatus folder = files_.MakeFolders(livePath_.parent_path());
+    if (const FileStatus status = files_.OpenLock(lockPath_, owner_); !status)
+        return NotOurs(folder ? status : folder);
     std::uint64_t bytes = 0;
-    if (!Open(true) || !stream_->Size(bytes)) {
-        log_.Line(LogLevel::Error, kContext, "The record file cannot be opened");
+    FileStatus status = Open(true) ? stream_->Size(bytes) : openStatus_;
+    if (!status) {
         Release();
-        return false;
+        return {status.fault == FileFault::Denied ? BookAccess::ReadOnly : BookAccess::Refused, status};
     }
     holdsUnread_ = bytes > 0;  // until a load has seen all of it
     backedUp_ = foundChanged_ = false;
     known_ = InfoOf(livePath_);
-    return true;
+    return {BookAccess::Ours, {}};
+}
+
+// Who may not write here is not told whether an owner holds the lock; trying to read it tells.
+BookClaim BookFile::NotOurs(const FileStatus& status) {
+    if (status.fault == FileFault::InUse) return {BookAccess::Elsewhere, status};
+    if (status.fault != FileFault::Denied) return {BookAccess::Refused, status};
+    std::unique_ptr<IFile> lock;
+    const FileStatus held = files_.Open(lockPath_, FileMode::Read, FileShare::DenyWrite, lock);
+    if (held.fault == FileFault::InUse) return {BookAccess::Elsewhere, held};
+    return {BookAccess::ReadOnly, status};
+}
+
+FileStatus BookFile::OpenToRead() {
+    const std::lock_guard guard(lock_);
+    Open(false, FileMode::Read, FileMode::Create, FileShare::DenyNone);
+    return openStatus_;
 }
 
 bool BookFile::Owned() {

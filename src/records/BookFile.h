@@ -22,6 +22,19 @@ inline constexpr char kBookNotOwned[] =
 // Why, when the image of the book or a path to its file finds no room.
 inline constexpr char kMemoryRanOut[] = "Memory ran out.";
 
+// Whose the book is after a try to become its owner.
+enum class BookAccess : std::uint8_t {
+    Ours,       // owned, and its file is open
+    Elsewhere,  // another process owns it
+    ReadOnly,   // nothing can be written where it lies
+    Refused,    // the disk or another program refuses
+};
+struct BookClaim {
+    BookAccess access = BookAccess::Refused;
+    FileStatus status;  // why it is not ours
+    explicit operator bool() const { return access == BookAccess::Ours; }
+};
+
 struct SaveResult {
     bool ok = false;
     std::string reason;  // when not ok: a sentence for the user
@@ -39,11 +52,14 @@ class BookFile final : public KRV::VELT::CKRVTradeImpl {
              ISecurityMaster* master = nullptr);
     ~BookFile() override;
 
-    // Makes the folder, becomes the book's owner and opens its file, an empty one when there is none. False:
-    // another process owns the book, or the disk refuses; nothing is then held, Save fails, and nothing is
-    // ever written.
-    bool Acquire();
+    // Makes the folder, becomes the book's owner and opens its file, an empty one when there is none. When
+    // the book is not ours then, nothing is held, Save fails, and nothing is ever written; it may be tried
+    // again. Logs nothing: whoever tries every few seconds says when something changed.
+    BookClaim Acquire();
     bool Owned();
+    // Opens the file of a book that is not ours, to be loaded and closed (Close) at once: as long as it is
+    // open, its owner cannot replace it.
+    FileStatus OpenToRead();
     // Gives file and ownership back.
     void Release();
 
@@ -70,6 +86,7 @@ class BookFile final : public KRV::VELT::CKRVTradeImpl {
 
  private:
     bool IsAsSaved();
+    BookClaim NotOurs(const FileStatus& status);
     KRV::VELT::TradeLoadReport FindChanged(const KRV::VELT::TradeLoadReport& loaded);
     SaveResult SaveLocked(const BookImage& image);
     SaveResult SwapIn();

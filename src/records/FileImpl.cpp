@@ -147,9 +147,11 @@ bool CKRVFileImpl::Open(bool create, FileMode existing, FileMode fresh, FileShar
     FileInfo info;
     const FileStatus found = files_.Info(livePath_, info);
     const bool missing = found.fault == FileFault::NotFound || found.fault == FileFault::PathNotFound;
+    openStatus_ = found;
     if (missing && !create) return false;
     // A file that is there but cannot be asked about must never be opened anew, which would empty it.
-    return static_cast<bool>(files_.Open(livePath_, missing ? fresh : existing, share, stream_));
+    openStatus_ = files_.Open(livePath_, missing ? fresh : existing, share, stream_);
+    return static_cast<bool>(openStatus_);
 }
 
 bool CKRVFileImpl::Load() {

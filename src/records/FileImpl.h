@@ -91,8 +91,9 @@ class CKRVFileImpl {
     std::filesystem::path livePath_;
     std::string lastFault_;  // why the last operation on the disk failed, in words
     std::uint32_t loadedBytes_ = 0;
-    Dravel::FileSum loadedSum_;  // of the bytes that the last load read
-    FramePlace place_;           // of the frame given to ReadFrame
+    Dravel::FileSum loadedSum_;      // of the bytes that the last load read
+    Dravel::FileStatus openStatus_;  // of the last Open
+    FramePlace place_;               // of the frame given to ReadFrame
     std::unique_ptr<Dravel::IFile> stream_;
     bool holdsUnread_ = false;  // the live file holds bytes that no load has made records of
     KRV::Thread::CKRVLock lock_;

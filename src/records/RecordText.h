@@ -1,7 +1,6 @@
 // The fixed-capacity texts of a record.
 #pragma once
 
-#include <algorithm>
 #include <cstddef>
 #include <cstring>
 #include <string_view>
@@ -15,13 +14,17 @@ std::string_view TextOf(const char (&text)[Capacity]) {
     return {text, end ? static_cast<std::size_t>(static_cast<const char*>(end) - text) : Capacity};
 }
 
-// Cuts `value` to the capacity, and at a zero byte within it; the rest of the array becomes zero. `value` may
-// lie in the array. Clearing, looking for that byte and storing go over the whole array, whose size the
-// compiler knows; with calls for the length of each text the import of a line took a sixth longer.
+// How much of a text that is too long is kept: `capacity` bytes, or less when the text is UTF-8 and would be
+// cut within a character.
+std::size_t CutLength(std::string_view text, std::size_t capacity);
+
+// Cuts `value` to the capacity (CutLength), and at a zero byte within it; the rest of the array becomes zero.
+// `value` may lie in the array. Clearing, looking for that byte and storing go over the whole array, whose
+// size the compiler knows; with calls for the length of each text the import of a line took a sixth longer.
 template <std::size_t Capacity>
 void SetText(char (&text)[Capacity], std::string_view value) {
     static_assert(Capacity < 256);
-    const std::size_t size = std::min(value.size(), Capacity);
+    const std::size_t size = value.size() <= Capacity ? value.size() : CutLength(value, Capacity);
     char whole[Capacity] = {};
     if (size != 0) std::memcpy(whole, value.data(), size);
     unsigned char zeros = 0;

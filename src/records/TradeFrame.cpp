@@ -203,6 +203,21 @@ void FinishReading(TradeRecord& record, ISecurityMaster* master) {
 
 }  // namespace
 
+std::uint8_t* PutTradeFields(std::uint8_t* at, const TradeRecord& record) {
+    return PutFields(at, record);
+}
+
+bool TakeTradeField(CTagMessageReader& frame, TradeRecord& record) {
+    return TakeField(frame, reinterpret_cast<Byte*>(&record), kStoredTakers);
+}
+
+void ReadOwnFields(CTagMessageReader& frame, TradeRecord& record) {
+    do {
+        if (!TakeTradeField(frame, record)) frame.SkipValue();
+    } while (frame.NextTag());
+    FinishReading(record, nullptr);
+}
+
 bool WriteTradeFields(const TradeRecord& record, CTagMessageWriter& frame) {
     Byte* at = frame.ReserveFields(kMaxTradeFields);
     if (!at) return false;

@@ -35,6 +35,13 @@ static_assert(kMaxTradeFrame < 4096, "a trade fits the first page of a frame");
 // the frame cannot grow so far.
 bool WriteTradeFields(const TradeRecord& record, CTagMessageWriter& frame);
 
+// The same into plain room for kMaxTradeFields bytes, all of which may be written to; returns the byte behind
+// the last field.
+std::uint8_t* PutTradeFields(std::uint8_t* at, const TradeRecord& record);
+// Takes the value at hand, and those behind it as long as they come in the order of the table, the identity
+// included. False: the tag at hand is none of a trade's.
+bool TakeTradeField(CTagMessageReader& frame, TradeRecord& record);
+
 // Builds a whole plain frame at `into`, which must have room for kMaxTradeFrame bytes (all of them may be
 // written to); returns its length. The second form is what the record file holds: code 60004, with the
 // deleted mark.
@@ -45,6 +52,10 @@ std::size_t BuildStoredTrade(const TradeRecord& record, bool deleted, std::uint8
 // they are; a longer text is cut to its capacity; a product type of 0 becomes NORMAL. Identity fields are
 // unknown here and stepped over. When the record has no master entry yet, `master` (if any) is asked for it.
 void ReadTradeFrame(CTagMessageReader& frame, TradeRecord& record, ISecurityMaster* master = nullptr);
+
+// The same for a frame of our own whose bytes are known to be sound: the identity is restored, too. The
+// reader stands behind a field mark (NextTag).
+void ReadOwnFields(CTagMessageReader& frame, TradeRecord& record);
 
 // Bytes at the end of a plain frame that belong to another one: its length is damaged, or it was cut short,
 // and it swallowed its neighbours. 0 as a rule. The bytes are searched up to the first header, of which

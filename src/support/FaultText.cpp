@@ -9,7 +9,7 @@ std::string FaultText(std::string_view step, const FileStatus& status) {
     } kWords[] = {
         {FileFault::NotFound, "the file is gone"}, {FileFault::PathNotFound, "the folder is gone"},
         {FileFault::Exists, "the name is taken"},  {FileFault::InUse, "another program holds the file"},
-        {FileFault::Full, "the disk is full"},
+        {FileFault::Full, "the disk is full"},     {FileFault::Denied, "access denied"},
     };
     std::string reason(step);
     for (const auto& entry : kWords) {

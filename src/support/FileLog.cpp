@@ -1,7 +1,6 @@
 #include "support/FileLog.h"
 
 #include <algorithm>
-#include <chrono>
 #include <mutex>
 #include <utility>
 
@@ -53,11 +52,6 @@ std::uint32_t UntilMidnight(const IClock& clock) {
     const auto passed =
         static_cast<std::uint32_t>(((now.hour * 60 + now.minute) * 60 + now.second) * 1000 + now.millisecond);
     return passed < 86400000 ? 86400000 - passed : 0;
-}
-
-std::int64_t SteadyMilliseconds() {
-    using namespace std::chrono;
-    return duration_cast<milliseconds>(steady_clock::now().time_since_epoch()).count();
 }
 
 }  // namespace
@@ -126,7 +120,7 @@ bool CFileLog::TakeLines(std::string_view since) {
 }
 
 void CFileLog::TakeDay() {
-    const bool hurry = TimeIsUp();
+    const bool hurry = stopping_.Lasts(kLogClosing);
     linesDay_ = DayOf(queue_.front().text);
     while (!queue_.empty() && DayOf(queue_.front().text) == linesDay_ && (hurry || lines_.size() < kChunk)) {
         const Entry& entry = queue_.front();
@@ -164,7 +158,7 @@ void CFileLog::DrainAsCaller() {
 void CFileLog::Start() {
     const std::lock_guard guard(lock_);
     if (running_ || !wake_.Valid() || !stop_.Valid()) return;
-    stopTime_ = 0;
+    stopping_.End();
     stop_.Reset();
     wake_.Reset();
     running_ = thread_.Start([this] { Work(); });
@@ -172,7 +166,7 @@ void CFileLog::Start() {
 
 void CFileLog::Stop() {
     if (!thread_.Runs()) return;
-    stopTime_ = SteadyMilliseconds();
+    stopping_.Begin();
     stop_.Set();
     wake_.Set();
     thread_.Join();
@@ -184,7 +178,7 @@ void CFileLog::Stop() {
         DrainAsCaller();
     } catch (...) {  // out of memory: the lines wait
     }
-    stopTime_ = 0;
+    stopping_.End();
 }
 
 void CFileLog::Tell(Listener listener) {
@@ -197,13 +191,9 @@ std::size_t CFileLog::Waiting() const {
     return waiting_;
 }
 
-bool CFileLog::TimeIsUp() const {
-    return Stopping() && SteadyMilliseconds() - stopTime_ >= kLogClosing;
-}
-
 // Reset before the look at what it tells of: a line or a stop that comes later sets it again.
 void CFileLog::Work() noexcept {
-    for (wake_.Reset(); !Stopping(); wake_.Reset()) {
+    for (wake_.Reset(); !stopping_.Lasts(); wake_.Reset()) {
         const std::uint32_t wait = std::min(kLongestWait, UntilMidnight(clock_));
         bool done = false;
         try {
@@ -238,10 +228,10 @@ void CFileLog::ArchiveWhenDue(const std::string& today) {
     if (archivedDay_ == today || (since >= 0 && since < kArchiveAgain)) return;
     // Lines that come meanwhile are not kept waiting, nor is the archive by many of them. Those of an earlier
     // day, because the clock is set back, do wait: the archive removes what it has packed.
-    const ZipPulse pulse = [&] { return Drain(4 * kChunk, today), !Stopping(); };
+    const ZipPulse pulse = [&] { return Drain(4 * kChunk, today), !stopping_.Lasts(); };
     if (archive_.Run(today, pulse)) {
         archivedDay_ = today;
-    } else if (!Stopping()) {
+    } else if (!stopping_.Lasts()) {
         archiveFailed_ = now;
         Line(LogLevel::Info, kContext, "Files of earlier days could not be archived yet.");
     }

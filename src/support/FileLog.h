@@ -2,7 +2,6 @@
 // go into one ZIP a month.
 #pragma once
 
-#include <atomic>
 #include <cstdint>
 #include <deque>
 #include <filesystem>
@@ -18,6 +17,7 @@
 #include "support/Log.h"
 #include "support/LogArchive.h"
 #include "support/LogFile.h"
+#include "support/StopSpan.h"
 
 namespace Dravel {
 
@@ -77,8 +77,6 @@ class CFileLog final : public ILog {
     bool Round();
     bool ReachedDay(std::string_view day);
     void ArchiveWhenDue(const std::string& today);
-    bool Stopping() const { return stopTime_ != 0; }
-    bool TimeIsUp() const;
 
     const IClock& clock_;
 
@@ -99,7 +97,7 @@ class CFileLog final : public ILog {
 
     KRV::Thread::CKRVEvent wake_, stop_;
     KRV::Thread::CKRVThread thread_;
-    std::atomic<std::int64_t> stopTime_ = 0;  // when Stop was called, by the steady clock; 0: it was not
+    StopSpan stopping_;  // from the call of Stop until it returns
 };
 
 }  // namespace Dravel

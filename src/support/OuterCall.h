@@ -4,6 +4,8 @@
 
 #include <memory>
 
+#include "platform/LibraryUse.h"
+
 namespace Dravel {
 
 // One stands in every place where the world calls the library on the user-interface thread: exports and
@@ -15,6 +17,9 @@ class OuterCall {
     ~OuterCall();
     OuterCall(const OuterCall&) = delete;
     OuterCall& operator=(const OuterCall&) = delete;
+
+ private:
+    LibraryUse use_;  // ends after what was kept has gone
 };
 
 // Keeps the object until the calls that are under way have ended; without one it is deleted at once.

@@ -70,23 +70,22 @@ void PutCommon(std::string& bytes, const ZipEntry& entry, std::uint32_t dosTime)
 class Stream {
  public:
     enum class Way : std::uint8_t { Pack, Unpack };
+    // One that could not be made, for want of memory, refuses what it is fed.
     explicit Stream(Way way) : way_(way) {
-        open_ = (way == Way::Pack ? deflateInit2(&zlib_, Z_DEFAULT_COMPRESSION, Z_DEFLATED, kRawWindow, 8,
-                                                 Z_DEFAULT_STRATEGY)
-                                  : inflateInit2(&zlib_, kRawWindow)) == Z_OK;
+        way == Way::Pack
+            ? deflateInit2(&zlib_, Z_DEFAULT_COMPRESSION, Z_DEFLATED, kRawWindow, 8, Z_DEFAULT_STRATEGY)
+            : inflateInit2(&zlib_, kRawWindow);
     }
-    ~Stream() {
-        if (open_) way_ == Way::Pack ? deflateEnd(&zlib_) : inflateEnd(&zlib_);
-    }
+    ~Stream() { way_ == Way::Pack ? deflateEnd(&zlib_) : inflateEnd(&zlib_); }
     Stream(const Stream&) = delete;
     Stream& operator=(const Stream&) = delete;
 
+    // False: it is damaged, the sink refuses, or there are bytes behind the end.
     template <class Sink>
     bool Feed(std::span<std::uint8_t> bytes, bool last, Sink sink) {
         zlib_.next_in = bytes.data();
         zlib_.avail_in = static_cast<uInt>(bytes.size());
-        do {
-            if (!open_ || ended_) return open_ && zlib_.avail_in == 0;
+        for (bool more = true; more && !ended_; more = zlib_.avail_out == 0) {
             zlib_.next_out = out_.data();
             zlib_.avail_out = static_cast<uInt>(out_.size());
             const int flush = last ? Z_FINISH : Z_NO_FLUSH;
@@ -94,8 +93,8 @@ class Stream {
             if (result != Z_OK && result != Z_STREAM_END && result != Z_BUF_ERROR) return false;
             ended_ = result == Z_STREAM_END;
             if (!sink(std::span(out_).first(out_.size() - zlib_.avail_out))) return false;
-        } while (zlib_.avail_out == 0);
-        return true;
+        }
+        return zlib_.avail_in == 0;
     }
     bool Ended() const { return ended_; }
 
@@ -103,7 +102,7 @@ class Stream {
     Way way_;
     z_stream zlib_{};
     Piece out_;
-    bool open_ = false, ended_ = false;
+    bool ended_ = false;
 };
 
 // One record of the directory; steps over it. False: it is not whole, or not one that we read.

@@ -4,9 +4,11 @@
 
 #include <iterator>
 
+#include "platform/LibraryUse.h"
 #include "toolkit/ColourPicker.h"
 #include "toolkit/DialogBase.h"
 #include "toolkit/Geometry.h"
+#include "toolkit/Guarded.h"
 #include "toolkit/ModalLoop.h"
 #include "toolkit/win32/CommonDialogs.h"
 
@@ -63,7 +65,9 @@ DialogTemplate Shape() {
 
 // The arrows go over the palette as it is seen, not from one control to the next.
 LRESULT CALLBACK CellProcedure(HWND cell, UINT message, WPARAM wparam, LPARAM lparam, UINT_PTR id,
-                               DWORD_PTR) noexcept {
+                               DWORD_PTR) noexcept;
+
+LRESULT CellMessage(HWND cell, UINT message, WPARAM wparam, LPARAM lparam, UINT_PTR id) {
     if (message == WM_NCDESTROY) RemoveWindowSubclass(cell, &CellProcedure, id);
     const LRESULT result = DefSubclassProc(cell, message, wparam, lparam);
     if (message == WM_GETDLGCODE) return result | DLGC_WANTARROWS;
@@ -76,6 +80,11 @@ LRESULT CALLBACK CellProcedure(HWND cell, UINT message, WPARAM wparam, LPARAM lp
     const int to = static_cast<int>(id) - kFirstCell + step;
     if (step != 0 && to >= 0 && to < kRows * kColumns) SetFocus(GetDlgItem(GetParent(cell), kFirstCell + to));
     return result;
+}
+
+LRESULT CALLBACK CellProcedure(HWND cell, UINT message, WPARAM wparam, LPARAM lparam, UINT_PTR id,
+                               DWORD_PTR) noexcept {
+    return Guarded("colour", LRESULT{0}, [&] { return CellMessage(cell, message, wparam, lparam, id); });
 }
 
 class DlgColourPicker final : public DialogBase {

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 
+#include "platform/LibraryUse.h"
 #include "toolkit/ActivationContext.h"
 #include "toolkit/AnsiText.h"
 #include "toolkit/DialogBase.h"
@@ -43,7 +44,9 @@ bool IsDialogKey(WPARAM key) {
 // A child of a modeless dialog: hands the keys of the dialog to it, which a modal dialog's own message loop
 // would do. IsDialogMessage sends on only what it does not take, and it takes all of these.
 LRESULT CALLBACK DialogKeys(HWND control, UINT message, WPARAM wparam, LPARAM lparam, UINT_PTR id,
-                            DWORD_PTR) noexcept {
+                            DWORD_PTR) noexcept;
+
+LRESULT PassKeys(HWND control, UINT message, WPARAM wparam, LPARAM lparam, UINT_PTR id) {
     const bool pressed = message == WM_KEYDOWN && IsDialogKey(wparam);
     if (pressed || (message == WM_SYSCHAR && wparam != VK_SPACE)) {
         MSG key{};
@@ -59,6 +62,11 @@ LRESULT CALLBACK DialogKeys(HWND control, UINT message, WPARAM wparam, LPARAM lp
     if (message == WM_CHAR && IsDialogKey(wparam)) return 0;
     if (message == WM_NCDESTROY) RemoveWindowSubclass(control, &DialogKeys, id);
     return DefSubclassProc(control, message, wparam, lparam);
+}
+
+LRESULT CALLBACK DialogKeys(HWND control, UINT message, WPARAM wparam, LPARAM lparam, UINT_PTR id,
+                            DWORD_PTR) noexcept {
+    return Guarded("dialog keys", LRESULT{0}, [&] { return PassKeys(control, message, wparam, lparam, id); });
 }
 
 // In the middle of its owner, but wholly on the owner's screen.

@@ -29,14 +29,13 @@ class CKRVPDockingControlBar {
     bool Create(void* frame, const wchar_t* name, const Dravel::Rect& floating, std::uint32_t id);
     void Destroy();
     void* Window() const { return window_; }
-    void* Frame() const { return frame_; }
     std::uint32_t BarID() const { return id_; }
     // The bar of a window of kBarClass, or of one of its children; null: none.
     static CKRVPDockingControlBar* FromWindow(void* window);
 
     void Dock(Dravel::DockSide side);  // Floating floats; without a frame always floats
     bool Docked() const { return state_.side != Dravel::DockSide::Floating; }
-    void Show(bool show);
+    void Show(bool show);  // hidden it is disabled, so that it cannot have the keyboard
     bool Shown() const { return shown_; }
     void Focus();  // brings it to the front (floating) and gives it the keyboard
     Dravel::DockState State() const { return state_; }

@@ -40,10 +40,10 @@ bool CKRVPDockingControlBar::Create(void* frame, const wchar_t* name, const Rect
     if (!impl_->frame.CreateMini(name)) return false;
     RECT client;
     GetClientRect(impl_->frame.mini, &client);
-    const HWND made = CreateWindowExW(0, kBarClass, name, WS_CHILD | WS_CLIPCHILDREN | WS_CLIPSIBLINGS, 0, 0,
-                                      client.right, client.bottom, impl_->frame.mini,
-                                      reinterpret_cast<HMENU>(static_cast<std::uintptr_t>(id)),
-                                      static_cast<HINSTANCE>(Module()), this);
+    const HWND made = CreateWindowExW(
+        0, kBarClass, name, WS_CHILD | WS_DISABLED | WS_CLIPCHILDREN | WS_CLIPSIBLINGS, 0, 0, client.right,
+        client.bottom, impl_->frame.mini, reinterpret_cast<HMENU>(static_cast<std::uintptr_t>(id)),
+        static_cast<HINSTANCE>(Module()), this);
     if (made == nullptr) return false;  // OnNcDestroy may have deleted this
     impl_->frame.Attach();
     return true;
@@ -81,10 +81,14 @@ void CKRVPDockingControlBar::Show(bool show) {
     const HWND focus = GetFocus();
     const bool hadFocus = focus != nullptr && (focus == window_ || IsChild(Handle(window_), focus));
     shown_ = show;
+    // Disabled as long as it is hidden: a host that gives the keyboard back to the child that had it last
+    // would give it to one that nobody sees. It goes first, so that the host hears of it before the hiding.
+    EnableWindow(Handle(window_), show);
+    if (!show && hadFocus) SetFocus(Handle(frame_));
+    if (window_ == nullptr) return;  // who gets the keyboard may do anything
     ShowWindow(Handle(window_), show ? SW_SHOWNA : SW_HIDE);
     if (!Docked()) impl_->frame.ShowMini(show);
     impl_->frame.Layout();
-    if (!show && hadFocus && frame_ != nullptr) SetFocus(Handle(frame_));
     if (show) OnSize(Content());
     OnShow(show);
 }

@@ -80,6 +80,8 @@ void DockingFrame::Release() noexcept {
 
 LRESULT CALLBACK DockingFrame::FrameProcedure(HWND window, UINT message, WPARAM wparam, LPARAM lparam,
                                               UINT_PTR id, DWORD_PTR data) noexcept {
+    // Whatever the host does with the message, it returns through here, also after it has freed the library.
+    const LibraryUse use;
     auto* owner = reinterpret_cast<CKRVPDockingControlBar*>(data);
     if (message == WM_NCDESTROY) {
         RemoveWindowSubclass(window, &DockingFrame::FrameProcedure, id);

@@ -36,7 +36,6 @@ class GridOrder {
     void Assign(const std::vector<Entry>& entries);
 
     std::uint32_t RowCount() const { return starts_.back(); }
-    std::uint32_t EntryCount() const { return count_; }
     Entry At(std::uint32_t row) const;       // row below RowCount()
     std::uint32_t RowOf(Entry entry) const;  // kNoRow: hidden or not there
     bool Holds(Entry entry) const { return ChunkOf(entry) != kNone; }

@@ -17,6 +17,7 @@ struct KRVP_MSGBOXPARAMS {
     bool* checked = nullptr;             // start state and, on return, the state; may be null
     void* instance = nullptr;            // HINSTANCE that the user icon comes from
     const wchar_t* ownCaptions[2] = {nullptr, nullptr};
+    void** window = nullptr;  // not null: holds the box's window (HWND) while it is open, for EndMessageBox
 };
 
 inline constexpr std::uint32_t kOwnButtonFirst = 1000, kOwnButtonSecond = 1001;
@@ -26,3 +27,7 @@ inline constexpr std::uint32_t kOwnButtonsStyle = 256;
 // for. Returns the identifier of the button pressed (Escape: Cancel, or the only button); 0 when no box could
 // be shown.
 std::uint32_t KRVPMessageBoxIndirect(void* owner, const KRVP_MSGBOXPARAMS& params);
+
+// Takes a box off the screen that was shown with `window`; its call returns 0, once the boxes above it are
+// answered.
+void EndMessageBox(void* window);

@@ -141,6 +141,9 @@ class Box : public DialogBase {
 
  private:
     void OnInit() override;
+    void OnDestroy() override {
+        if (params_.window != nullptr) *params_.window = nullptr;
+    }
     bool OnCommand(int id, int code) override {
         if (code != BN_CLICKED || !HasButton(id)) return false;
         Answer(id);
@@ -203,6 +206,7 @@ void Box::Resize(int width, int height) const {
 }
 
 void Box::OnInit() {
+    if (params_.window != nullptr) *params_.window = Window();
     const HICON icon = IconOf(params_);
     const int margin = Pixels(kMargin), gap = Pixels(kGap),
               iconSize = icon == nullptr ? 0 : Pixels(kIconSize);
@@ -266,6 +270,11 @@ std::uint32_t SystemBox(void* owner, const KRVP_MSGBOXPARAMS& params) {
 }  // namespace
 
 std::uint32_t KRVPMessageBoxIndirect(void* owner, const KRVP_MSGBOXPARAMS& params) {
-    if (params.remember == 0 && !HasOwnButtons(params) && !IsLong(params)) return SystemBox(owner, params);
-    return Box(params).Show(owner);
+    const bool own =
+        params.remember != 0 || HasOwnButtons(params) || IsLong(params) || params.window != nullptr;
+    return own ? Box(params).Show(owner) : SystemBox(owner, params);
+}
+
+void EndMessageBox(void* window) {
+    if (window != nullptr) EndDialog(static_cast<HWND>(window), 0);
 }

@@ -79,8 +79,6 @@ class CKRVPGridCtrl {
 
     // Columns and header.
     int InsertColumn(Dravel::GridColumn column);
-    void SetColumnHeader(int column, std::string_view header);
-    void SetColumnWidth(int column, int width);
     void SetColumnAlign(int column, Dravel::GridAlign align);
     void SetColumnVisible(int column, bool visible);
     void SetColumnLocked(int column, bool locked);
@@ -122,18 +120,22 @@ class CKRVPGridCtrl {
     bool EditCell(std::uint32_t row, int column);
     // False: the owner refused the text, the editor stays open. True without an editor.
     bool EndEdit(bool commit);
+    // Within OnEndEdit: the user ends the edit by a key of the editor. False: it is left in another way (the
+    // keyboard goes elsewhere, a command, EndEdit).
+    bool EditEndsByKey() const;
     bool Editing() const;
 
     // Look.
     bool SetGridFont(const Dravel::FontBytes& font);  // false: not a font, the old one stays
     const Dravel::FontBytes& GridFont() const { return fontBytes_; }
     void ShowRowLines(bool show);
-    bool RowLines() const { return rowLines_; }
-    void ShowColumnLines(bool show);
+
+    // A text in the place of the rows, which there should be none of; empty: the rows. It is the window's
+    // text, too, so that whoever reads out windows hears it.
+    void ShowInsteadOfRows(std::string_view text);
 
     // Current cell, selection, scrolling. Another cell ends an open edit, as EditCell does.
     void SetCurrent(std::uint32_t row, int column);
-    void SelectRows(Dravel::GridRange range);
     void AddSelection(Dravel::GridRange range);
     void SelectAll();
     void ClearSelection();
@@ -259,5 +261,5 @@ class CKRVPGridCtrl {
     int rowHeaderWidth_ = 9;
     std::string filterName_;
     bool header_ = true, rowHeader_ = true, markSort_ = true, multipleSort_ = false;
-    bool rowLines_ = true, columnLines_ = true;
+    bool rowLines_ = true;
 };

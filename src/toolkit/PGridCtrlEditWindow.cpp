@@ -38,6 +38,14 @@ std::wstring GridEditor::Text() const {
     return text;
 }
 
+// What the user did not change is given back byte for byte: a field does not hold every byte of a text, nor
+// does each have a counterpart in the code page (half a character in UTF-8 has none), and who only looks into
+// a cell must not change it.
+std::string GridEditor::Bytes() const {
+    const std::wstring text = Text();
+    return text == shown_ ? opened_ : Narrow(text);
+}
+
 bool GridEditor::Make(const std::wstring& text) {
     const ActivationScope scope;
     const auto window = static_cast<HWND>(grid_.Window());
@@ -75,11 +83,17 @@ bool GridEditor::Open(wchar_t typed) {
     list_.Choices().Set({});
     fetched_ = erasing_ = false;
     if (!Make(Widen(text))) return false;
+    opened_ = std::move(text);
+    shown_ = Text();
     SendMessageW(field_, EM_SETSEL, 0, -1);
     // As if typed into the opened field, so that type-ahead sees it.
     if (typed != 0) SendMessageW(field_, WM_CHAR, typed, 1);
     grid_.Redraw();
     return true;
+}
+
+void GridEditor::OpenWithList() {
+    if (Open(0) && HasButton()) OpenList();
 }
 
 void GridEditor::Drop() {
@@ -94,9 +108,10 @@ void GridEditor::Drop() {
     grid_.Redraw();
 }
 
-bool GridEditor::Close(bool commit) {
+bool GridEditor::Close(bool commit, bool byKey) {
     if (!Active()) return true;
     if (closing_) return false;  // the owner is being asked
+    byKey_ = byKey;
     const HWND window = static_cast<HWND>(grid_.Window());
     list_.Close();
     closing_ = true;
@@ -105,7 +120,7 @@ bool GridEditor::Close(bool commit) {
     bool ended = true;
     try {
         if (commit) {
-            ended = grid_.OnEndEdit(row, column, Narrow(Text()));
+            ended = grid_.OnEndEdit(row, column, Bytes());
         } else {
             grid_.OnCancelEdit(row, column);
         }
@@ -288,7 +303,7 @@ LRESULT GridEditor::Message(HWND window, UINT message, WPARAM wparam, LPARAM lpa
 
 bool GridEditor::KeyDown(WPARAM key, bool system) {
     const GridModifierKeys held = HeldModifiers();
-    if ((held.alt && (key == VK_DOWN || key == VK_UP)) || (!held.alt && key == VK_F4)) {
+    if (OpensList(static_cast<std::uint32_t>(key), held)) {
         ToggleList();
         return true;
     }
@@ -339,7 +354,7 @@ bool GridEditor::ListKey(WPARAM key) {
 // done with. The current cell stays on its row when rows come while the text is taken, a number would not.
 bool GridEditor::Leave(GridEditMove move) {
     const HWND window = static_cast<HWND>(grid_.Window());
-    if (!Close(true) || !IsWindow(window)) return true;
+    if (!Close(true, true) || !IsWindow(window)) return true;
     std::uint32_t row = grid_.CurrentRow();
     int column = grid_.CurrentColumn();
     const GridNext next = grid_.OnNextCell(move, row, column);

@@ -1,6 +1,7 @@
 // The header of a grid under the mouse: sorting, moving and sizing columns, and its menu.
 #include <cstdlib>
 
+#include "toolkit/ModalLoop.h"
 #include "toolkit/win32/GridState.h"
 
 using namespace Dravel;
@@ -93,6 +94,7 @@ void GridInput::HeaderMenu(int x, int y, int column) {
     const HWND window = Window();
     const auto chosen = static_cast<std::uint16_t>(
         TrackPopupMenu(menu, TPM_RETURNCMD | TPM_RIGHTBUTTON, x, y, 0, window, nullptr));
+    ModalLoop::Ended();
     DestroyMenu(menu);
     // The grid may have gone while the menu was up.
     if (chosen == 0 || !IsWindow(window) || grid.window_ != window) return;

@@ -48,6 +48,8 @@ bool GridInput::Message(UINT message, WPARAM wparam, LPARAM lparam, LRESULT& res
         case WM_KEYUP:
         case WM_CHAR:
             return Key(message, wparam, lparam);
+        case WM_SYSCHAR:
+            return wparam == VK_RETURN;  // of Alt+Enter; the system would look for it in the frame's menu
         default:
             return Mouse(message, lparam);
     }

@@ -42,12 +42,29 @@ bool GridInput::OfferToBar(UINT message, WPARAM wparam, LPARAM lparam) const {
     return bar != nullptr && bar->OfferKey(Window(), message, wparam, lparam);
 }
 
+// The system opens the frame's menu when Alt is let go, unless it saw another key go down meanwhile. One that
+// the grid acts on would never come to it, so it gets a key that means nothing to it. First of all: the
+// command may open a dialog, where Alt is then let go.
+void GridInput::UseAlt(UINT message, std::uint32_t key, LPARAM lparam) const {
+    if (message == WM_SYSKEYDOWN && key != VK_MENU && key != VK_F10)
+        DefWindowProcW(Window(), message, VK_DOWN, lparam);
+}
+
+// Alt+Down and F4 open the list of the cell.
+bool GridInput::ListKey(std::uint32_t key, GridModifierKeys modifiers) {
+    if (!OpensList(key, modifiers)) return false;
+    state.editor.OpenWithList();
+    return true;
+}
+
 bool GridInput::KeyDown(UINT message, std::uint32_t key, LPARAM lparam) {
     const GridModifierKeys modifiers = HeldModifiers();
+    UseAlt(message, key, lparam);
     if (key < state.pressed.size()) state.pressed.set(key);
     if (key == VK_ESCAPE && CancelDrag()) return true;
     if (Accelerator(key, modifiers)) return true;
     if (grid.OnKeyDown(key, modifiers, (lparam & kRepeated) != 0)) return true;
+    if (ListKey(key, modifiers)) return true;
     return message == WM_KEYDOWN && (ModelKey(key, modifiers) || LeaveKey(key));
 }
 
@@ -63,6 +80,7 @@ bool GridInput::Character(std::uint32_t unit) {
 
 // A key in a window within the grid: `own` when that window needs it for its text.
 bool GridInput::FieldKey(UINT message, WPARAM wparam, LPARAM lparam, bool own) {
+    UseAlt(message, static_cast<std::uint32_t>(wparam), lparam);
     if (OfferToBar(message, wparam, lparam)) return true;
     return !own && Accelerator(static_cast<std::uint32_t>(wparam), HeldModifiers());
 }

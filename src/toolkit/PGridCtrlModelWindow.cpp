@@ -14,16 +14,6 @@ int CKRVPGridCtrl::InsertColumn(GridColumn column) {
     return number;
 }
 
-void CKRVPGridCtrl::SetColumnHeader(int column, std::string_view header) {
-    model_.Columns().SetHeader(column, header);
-    ModelChanged();
-}
-
-void CKRVPGridCtrl::SetColumnWidth(int column, int width) {
-    model_.Columns().SetWidth(column, width);
-    ModelChanged();
-}
-
 void CKRVPGridCtrl::SetColumnAlign(int column, GridAlign align) {
     model_.Columns().SetAlign(column, align);
     ModelChanged();
@@ -148,11 +138,6 @@ void CKRVPGridCtrl::ShowRowLines(bool show) {
     Redraw();
 }
 
-void CKRVPGridCtrl::ShowColumnLines(bool show) {
-    columnLines_ = show;
-    Redraw();
-}
-
 bool CKRVPGridCtrl::EditCell(std::uint32_t row, int column) {
     if (!EndEdit(true) || window_ == nullptr) return false;
     SetCurrent(row, column);
@@ -163,6 +148,10 @@ bool CKRVPGridCtrl::EndEdit(bool commit) {
     return state_->editor.Close(commit);
 }
 
+bool CKRVPGridCtrl::EditEndsByKey() const {
+    return state_->editor.EndsByKey();
+}
+
 bool CKRVPGridCtrl::Editing() const {
     return state_->editor.Active();
 }
@@ -171,11 +160,6 @@ void CKRVPGridCtrl::SetCurrent(std::uint32_t row, int column) {
     // The editor stands over the current cell.
     if ((row != CurrentRow() || column != CurrentColumn()) && !EndEdit(true)) return;
     model_.SetCurrent(row, column);
-    ModelChanged();
-}
-
-void CKRVPGridCtrl::SelectRows(GridRange range) {
-    model_.Select(range);
     ModelChanged();
 }
 

@@ -42,7 +42,7 @@ class Painter {
 
     const GridFilterBar* filterBar = nullptr;
     Rect editButton;  // of the cell that is edited, empty: none
-    bool focused = false, rowLines = true, columnLines = true;
+    bool focused = false, rowLines = true;
 
  private:
     void Fill(const RECT& area, COLORREF colour) const;
@@ -150,8 +150,7 @@ void Painter::Cell(std::uint32_t row, int position, CellLook look, std::string& 
         FrameRect(device_, &clip, brush);
         DeleteObject(brush);
     }
-    Fill({cell.right, cell.top, cell.right + 1, cell.bottom},
-         columnLines ? Mix(palette_.text, look.back, 28) : look.back);
+    Fill({cell.right, cell.top, cell.right + 1, cell.bottom}, Mix(palette_.text, look.back, 28));
 }
 
 void Painter::RowHeader(std::uint32_t row) const {
@@ -368,9 +367,9 @@ void GridPaint::Paint(CKRVPGridCtrl& grid, HDC screen, const RECT& dirty) {
     painter.filterBar = &state.filter;
     painter.editButton = state.editor.Button();
     painter.rowLines = grid.rowLines_;
-    painter.columnLines = grid.columnLines_;
     painter.RightOfColumns(dirty);
     painter.Rows(dirty, state.ansi, state.wide);
+    Instead(state, device, {0, grid.model_.View().RowsTop(), client.right, client.bottom});
     painter.EditButton();
     painter.Band(state.wide);
     painter.Header(grid.markSort_, state.dragMoved ? state.dragColumn : -1,

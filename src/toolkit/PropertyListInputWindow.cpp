@@ -7,6 +7,7 @@
 #include <utility>
 
 #include "toolkit/ColourPicker.h"
+#include "toolkit/Guarded.h"
 #include "toolkit/Module.h"
 
 using namespace Dravel;
@@ -27,7 +28,9 @@ constexpr struct {
 
 // The field wants Enter and Escape for itself, which otherwise end the dialog.
 LRESULT CALLBACK EditProcedure(HWND edit, UINT message, WPARAM wparam, LPARAM lparam, UINT_PTR,
-                               DWORD_PTR list) noexcept {
+                               DWORD_PTR list) noexcept;
+
+LRESULT EditMessage(HWND edit, UINT message, WPARAM wparam, LPARAM lparam, DWORD_PTR list) {
     if (message == WM_GETDLGCODE) return DefSubclassProc(edit, message, wparam, lparam) | DLGC_WANTALLKEYS;
     if (message == WM_CHAR && (wparam == VK_RETURN || wparam == VK_ESCAPE || wparam == VK_TAB)) return 0;
     if (message == WM_KEYDOWN && (wparam == VK_RETURN || wparam == VK_ESCAPE || wparam == VK_TAB)) {
@@ -43,6 +46,12 @@ LRESULT CALLBACK EditProcedure(HWND edit, UINT message, WPARAM wparam, LPARAM lp
     }
     if (message == WM_NCDESTROY) RemoveWindowSubclass(edit, &EditProcedure, kEditId);
     return DefSubclassProc(edit, message, wparam, lparam);
+}
+
+LRESULT CALLBACK EditProcedure(HWND edit, UINT message, WPARAM wparam, LPARAM lparam, UINT_PTR,
+                               DWORD_PTR list) noexcept {
+    return Guarded("property field", LRESULT{0},
+                   [&] { return EditMessage(edit, message, wparam, lparam, list); });
 }
 
 }  // namespace

@@ -9,6 +9,7 @@
 #include "support/Log.h"
 #include "tradebook/EntryPort.h"
 #include "tradebook/base/NoticeList.h"
+#include "tradebook/base/SettingsGuard.h"
 #include "tradebook/base/VELTPXMLSettings.h"
 
 namespace Dravel {
@@ -24,12 +25,11 @@ struct BarContext {
     CVELTPXMLSettings& settings;
     ILog& log;
     NoticeList& notices;
+    SettingsGuard& guard;  // of the settings
 
-    // Writes the settings to their file. A failure is logged; nothing is shown, the settings stay in memory.
-    void SaveSettings() const {
-        if (!settings.SaveFile(files, folder.Settings()))
-            log.Line(LogLevel::Warning, "Settings", "The settings could not be saved.");
-    }
+    // Writes the settings to their file. A failure is logged; nothing is shown, the settings stay in memory,
+    // and it is tried again.
+    void SaveSettings() const { guard.Save(); }
 };
 
 }  // namespace Dravel

@@ -25,11 +25,12 @@ constexpr GridAccelerator kKeys[] = {
 
 }  // namespace
 
-CDravelGrid::CDravelGrid(const BarContext& context, TradeBook& book)
+CDravelGrid::CDravelGrid(const BarContext& context, TradeBook& book, const IBookGate& gate)
     : context_(context),
       host_(context.host),
       user_(context.user),
       book_(book),
+      gate_(gate),
       entry_(context.entry),
       settings_(context.settings) {
     book_.SetObserver(this);
@@ -50,7 +51,7 @@ bool CDravelGrid::OnCreate() {
     SetAccelerators(kKeys);
     SetSource(this);
     RestoreColumnOrder();
-    divisors_.Load(context_.files, context_.folder.Divisors());
+    divisorFault_ = divisors_.Load(context_.files, context_.folder.Divisors());
     AcceptFiles();
     AnnounceGrid();
     return true;
@@ -90,9 +91,13 @@ void CDravelGrid::AnnounceGrid() {
     host_.Send(frame);
 }
 
-void CDravelGrid::LoadProperties(std::string_view key) {
+void CDravelGrid::LoadLook(std::string_view key) {
     properties_.Load(settings_, key);
     ApplyProperties();
+}
+
+void CDravelGrid::LoadProperties(std::string_view key) {
+    LoadLook(key);
     book_.SetAnalysisOnly(properties_.tradeForGreekAnalysisOnly);
     if (!properties_.tradeForGreekAnalysisOnly) book_.ReportAll();
 }
@@ -120,13 +125,33 @@ void CDravelGrid::OnHeaderMenu(int, GridMenu& menu) {
                   {command::SaveLayout, L"Sa&ve Layout"}});
 }
 
+bool CDravelGrid::Refused(BookNeed need) {
+    if (Meets(gate_, need)) return false;
+    Say(gate_.Refusal());
+    gateRefused_ = true;
+    return true;
+}
+
+void CDravelGrid::GateChanged() {
+    if (gateRefused_) Say({});
+    Redraw();
+}
+
+// Whoever goes elsewhere has read why.
+void CDravelGrid::OnSelectionChanged() {
+    if (gateRefused_) Say({});
+    StatusStale();
+}
+
 void CDravelGrid::Import(const std::filesystem::path& file) {
+    if (Refused(BookNeed::Change)) return;
     EndOpenEdit();
     entry_.Import(Window(), file);
 }
 
 // The commands that read the rows or leave the cell end its edit first.
 bool CDravelGrid::OnCommand(std::uint32_t id) {
+    if (Refused(NeedOf(id))) return true;
     if ((id >= command::AddTrade && id <= command::ExportCsv) || id == command::Copy) EndOpenEdit();
     switch (id) {
         case command::AddTrade:

@@ -2,10 +2,14 @@
 #pragma once
 
 #include <functional>
+#include <map>
 #include <string>
 
+#include "records/BookJournal.h"
 #include "toolkit/PropertyListCtrl.h"
 #include "tradebook/BarContext.h"
+#include "tradebook/BookGate.h"
+#include "tradebook/GridCommands.h"
 #include "tradebook/GridProperties.h"
 #include "tradebook/PriceDivisors.h"
 #include "tradebook/TradeBook.h"
@@ -13,14 +17,6 @@
 #include "tradebook/base/VELTSGridCtrl.h"
 
 namespace Dravel {
-
-// Commands of the grid's window (WM_COMMAND); context menu and keys send the same ones.
-namespace command {
-inline constexpr std::uint16_t AddTrade = 40001, DeleteTrades = 40002, Save = 40003, Import = 40004,
-                               ExportCsv = 40005, CopyHtml = 40006, FilterBar = 40007, FieldChooser = 40008,
-                               Properties = 40009, ClearSelection = 40010, SaveLayout = 40011,
-                               MultipleSort = 40012, Copy = 40013, ImportReport = 40014;
-}  // namespace command
 
 // The settings key of the grid's properties and font.
 inline constexpr char kGridKey[] = "TradeGrid";
@@ -36,12 +32,15 @@ class CDravelGrid final : public CVELTSGridCtrl,
                           private Dravel::IRowDisplay,
                           private Dravel::IDraftView {
  public:
-    CDravelGrid(const Dravel::BarContext& context, Dravel::TradeBook& book);
+    // `gate` outlives the grid too.
+    CDravelGrid(const Dravel::BarContext& context, Dravel::TradeBook& book, const Dravel::IBookGate& gate);
     ~CDravelGrid() override;
 
     // Takes the properties out of the settings and applies them. When trades are reported at all ("Trade For
     // Greek Analysis Only" off or missing), the whole book is reported.
     void LoadProperties(std::string_view key);
+    // The look alone: nothing is reported, and nothing is changed about what will be.
+    void LoadLook(std::string_view key);
     // Puts them, with the grid's font, into the settings; the file is the caller's.
     void SaveProperties(std::string_view key);
     // Writes the layout of the columns; a failure is logged.
@@ -60,10 +59,21 @@ class CDravelGrid final : public CVELTSGridCtrl,
     bool LeaveCheck();
     // What the user is to be told of the row that is being typed; empty: nothing.
     std::string EntryHint() const;
+    // Rows that are being typed, also over trades of the book.
+    std::uint32_t RowsBeingTyped() const { return drafts_.Count(); }
 
-    // Trades that the filter lets pass, and all.
+    // The rows being typed of an earlier run; those that stand there go.
+    void RestoreDrafts(const std::map<std::uint32_t, Dravel::DraftTexts>& drafts, std::uint32_t lastID);
+    // Who is told of rows being typed; nullptr: nobody.
+    void SetJournal(Dravel::BookJournal* journal) { journal_ = journal; }
+    // Tells it all of them.
+    void DraftsToJournal() const;
+
+    // What the gate says is another thing now.
+    void GateChanged();
+
+    // Trades that the filter lets pass.
     std::uint32_t ShownTrades() const { return rows_.ShownTrades(); }
-    std::uint32_t TradeCount() const { return book_.RowCount(); }
     // Puts the rows into the order and selection of rows that the model's sort marks, groups and filter texts
     // say. The grid calls it when the user changed them; whoever else does calls it afterwards.
     void ArrangeRows();
@@ -110,17 +120,19 @@ class CDravelGrid final : public CVELTSGridCtrl,
     void OnEditChoices(std::uint32_t row, int column, std::string_view typed,
                        std::vector<std::string>& choices) override;
     bool OnEndEdit(std::uint32_t row, int column, const std::string& text) override;
-    void OnCancelEdit(std::uint32_t, int) override { SetRefusal({}); }
+    void OnCancelEdit(std::uint32_t, int) override { Say({}); }
     Dravel::GridNext OnNextCell(Dravel::GridEditMove move, std::uint32_t& row, int& column) override;
     const Dravel::TradeDraft* DraftAt(std::uint32_t row) const;  // nullptr: nobody types there
     std::uint32_t RowOf(const Dravel::TradeDraft& draft) const;
     void AddDraft();
     void RemoveDraft(const Dravel::TradeDraft& draft);
     void EndOpenEdit();
-    void SetRefusal(std::string refusal);
+    // True: the book is not to be had for that now, and the status line says why.
+    bool Refused(Dravel::BookNeed need);
 
     void ShowColumn(int column) override;
     void DraftChanged(const Dravel::TradeDraft& draft) override;
+    void Say(std::string sentence) override;
     void DraftEntered(Dravel::TradeDraft& draft, Dravel::TradeItem item) override;
     void GoTo(std::uint32_t draftID, int column) override;
     bool Holds(std::uint32_t draftID) const override;
@@ -140,7 +152,7 @@ class CDravelGrid final : public CVELTSGridCtrl,
     void RowsRemoved(std::span<const std::uint32_t> rows, std::span<const Dravel::TradeItem> items) override;
     void RowMoved(std::uint32_t from, std::uint32_t to) override { rows_.RowMoved(from, to); }
     void ChangedFlagSet(bool) override { StatusStale(); }
-    void OnSelectionChanged() override { StatusStale(); }
+    void OnSelectionChanged() override;
     void StatusStale() const {
         if (statusListener_ && batches_ == 0) statusListener_();
     }
@@ -166,9 +178,13 @@ class CDravelGrid final : public CVELTSGridCtrl,
     void Reordered(std::uint32_t count, const std::function<std::uint32_t(std::uint32_t)>& newRow) override;
     void Reset() override { CVELTSGridCtrl::RowsReset(); }
     void Changed(std::uint32_t row) override { RedrawRow(drafts_.NewCount() + row); }
+    bool Hides(const Dravel::ColumnFilter& filter, Dravel::TradeItem item) const override {
+        return IsItemFilteredByFilterBar(item, filter.Column(), filter.Text());
+    }
     // The commands about the look of the grid and its export. False: none of them.
     bool LayoutCommand(std::uint32_t id);
     void ExportCsv();
+    bool KnowDivisors();
     void WriteExport(const std::filesystem::path& path);
     void ChooseFields();
     void EditProperties();
@@ -184,17 +200,23 @@ class CDravelGrid final : public CVELTSGridCtrl,
     Dravel::IHost& host_;
     Dravel::IUser& user_;
     Dravel::TradeBook& book_;
+    const Dravel::IBookGate& gate_;
     Dravel::IEntry& entry_;
     CVELTPXMLSettings& settings_;
     Dravel::GridProperties properties_;
     Dravel::DraftSheet drafts_;
+    Dravel::BookJournal* journal_ = nullptr;
     Dravel::TradeRows rows_{book_, *this};
     int batches_ = 0;  // that run: the status line waits for their end
     bool firstRowAdded_ = false;
     Dravel::TradeItem selectedAtFirst_ = Dravel::kNoItem;  // when the first row was added
     std::function<void()> statusListener_;
     Dravel::PriceDivisors divisors_;
-    std::string refusal_;     // of the text that was typed last
-    bool committed_ = false;  // the last edit brought its row into the book
-    bool spoken_ = false;     // validation spoke at the end of the last edit
+    std::string said_;                 // about the text that was typed last
+    bool saidStays_ = false;           // also when another cell opens: nobody looked at the status line yet
+    std::string askedAbout_;           // the text of the open cell that would be taken only in part
+    bool committed_ = false;           // the last edit brought its row into the book
+    bool spoken_ = false;              // validation spoke at the end of the last edit
+    bool gateRefused_ = false;         // what was said is the refusal of the gate
+    Dravel::FileStatus divisorFault_;  // why they are not known
 };

@@ -42,6 +42,7 @@ bool CDravelGrid::RemoveCurrentDraft() {
 void CDravelGrid::RemoveDraft(const TradeDraft& draft) {
     const std::uint32_t row = RowOf(draft);
     const bool fresh = draft.New();
+    if (journal_) journal_->DraftGone(draft.id);
     drafts_.Remove(draft);
     if (fresh) {
         CVELTSGridCtrl::RowsRemoved(row, 1);
@@ -55,7 +56,10 @@ void CDravelGrid::RemoveDraft(const TradeDraft& draft) {
 void CDravelGrid::RowsRemoved(std::span<const std::uint32_t> rows, std::span<const TradeItem> items) {
     for (const TradeItem item : items) {
         if (drafts_.Empty()) break;
-        if (const TradeDraft* const draft = drafts_.Over(item)) drafts_.Remove(*draft);
+        const TradeDraft* const draft = drafts_.Over(item);
+        if (!draft) continue;
+        if (journal_) journal_->DraftGone(draft->id);
+        drafts_.Remove(*draft);
     }
     rows_.RowsRemoved(rows, items);
     StatusStale();
@@ -74,9 +78,10 @@ bool CDravelGrid::LeaveCheck() {
 
 bool CDravelGrid::OnBeginEdit(std::uint32_t row, int column, std::string&, GridEditKind& kind) {
     if (!HasCells(row)) return false;
-    if (!kTradeColumns[static_cast<std::size_t>(column)].editable) return false;
+    if (!kTradeColumns[static_cast<std::size_t>(column)].editable || Refused(BookNeed::Change)) return false;
     kind = HasChoices(column) ? GridEditKind::Choice : GridEditKind::Text;
-    SetRefusal({});
+    askedAbout_.clear();
+    if (!saidStays_) Say({});
     return true;
 }
 
@@ -94,18 +99,27 @@ bool CDravelGrid::OnEndEdit(std::uint32_t row, int column, const std::string& te
     const TradeItem item = ItemAt(row);
     TradeDraft& draft = fresh ? drafts_.NewAt(row) : drafts_.LayOver(item);
     const std::uint32_t id = draft.id;
-    const EditEnd end = entry_.EndEdit(draft, column, text, *this);
+    const EditEnding ending = !EditEndsByKey()      ? EditEnding::Left
+                              : text == askedAbout_ ? EditEnding::KeyAgain
+                                                    : EditEnding::Key;
+    askedAbout_.clear();
+    Say({});
+    const EditEnd end = entry_.EndEdit(draft, column, text, ending, *this);
     committed_ = end == EditEnd::Committed;
     spoken_ = end == EditEnd::Spoken;
     // A draft in which nothing was set is none.
     if (const TradeDraft* const left = drafts_.Find(id); left && !left->New() && left->set.none())
         RemoveDraft(*left);
-    SetRefusal(end == EditEnd::Refused ? '"' + text + "\" is not one of the choices" : std::string());
-    return end != EditEnd::Refused;
+    if (end == EditEnd::Refused && said_.empty()) Say('"' + text + "\" is not one of the choices");
+    if (end == EditEnd::Asked) askedAbout_ = text;
+    saidStays_ = end == EditEnd::GivenBack;
+    return end != EditEnd::Refused && end != EditEnd::Asked;
 }
 
-void CDravelGrid::SetRefusal(std::string refusal) {
-    refusal_ = std::move(refusal);
+void CDravelGrid::Say(std::string sentence) {
+    said_ = std::move(sentence);
+    saidStays_ = false;
+    gateRefused_ = false;
     StatusStale();
 }
 
@@ -133,7 +147,7 @@ bool CDravelGrid::OnKeyUp(std::uint32_t key, bool pressed) {
 }
 
 std::string CDravelGrid::EntryHint() const {
-    if (!refusal_.empty()) return refusal_;
+    if (!said_.empty()) return said_;
     const TradeDraft* const draft = DraftAt(CurrentRow());
     return draft ? entry_.Missing(*draft) : std::string();
 }
@@ -142,7 +156,22 @@ void CDravelGrid::ShowColumn(int column) {
     if (Columns().Position(column) < 0) SetColumnVisible(column, true);
 }
 
+void CDravelGrid::RestoreDrafts(const std::map<std::uint32_t, DraftTexts>& drafts, std::uint32_t lastID) {
+    drafts_.Clear();
+    for (const auto& [id, texts] : drafts)
+        drafts_.Restore(texts, book_);
+    drafts_.GoOnBehind(lastID);
+    CVELTSGridCtrl::RowsReset();
+    StatusStale();
+}
+
+void CDravelGrid::DraftsToJournal() const {
+    if (journal_)
+        drafts_.ForEach([this](const TradeDraft& draft) { journal_->DraftChanged(TextsOf(draft, book_)); });
+}
+
 void CDravelGrid::DraftChanged(const TradeDraft& draft) {
+    if (journal_) journal_->DraftChanged(TextsOf(draft, book_));
     if (const std::uint32_t row = RowOf(draft); row != kNoRow) RedrawRow(row);
 }
 

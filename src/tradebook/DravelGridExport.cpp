@@ -33,8 +33,20 @@ void RememberFolder(const BarContext& context, const std::filesystem::path& fold
 
 }  // namespace
 
+// Without them prices would be exported undivided, and nobody could tell.
+bool CDravelGrid::KnowDivisors() {
+    if (!divisorFault_) divisorFault_ = divisors_.Load(context_.files, context_.folder.Divisors());
+    if (!divisorFault_)
+        user_.Box(
+            FaultText("PriceDivisor.csv cannot be read, and the prices would not be divided. Nothing was "
+                      "exported",
+                      divisorFault_),
+            kCaption, Buttons::Ok, Icon::Error);
+    return static_cast<bool>(divisorFault_);
+}
+
 void CDravelGrid::ExportCsv() {
-    if (book_.RowCount() == 0) return;
+    if (book_.RowCount() == 0 || !KnowDivisors()) return;
     const std::string name =
         "DravelBook_" + FormatDate(context_.clock.Now(), "yyyyMMdd", context_.clock) + ".CSV";
     FileDialogParams params;
@@ -51,6 +63,7 @@ void CDravelGrid::ExportCsv() {
 // A file that cannot be opened is told of by a notice, and the box says "successfully" all the same:
 // deliberate. One that breaks off is never called a success.
 void CDravelGrid::WriteExport(const std::filesystem::path& path) {
+    book_.FindContracts();
     const ExportResult result = ExportTrades(context_.files, path, Columns(), ExportMode::AllColumns,
                                              TradesInOrder(book_), divisors_);
     if (!result.status) {

@@ -1,4 +1,6 @@
 // The grid's rows: how the trades stand in them, and moving them by the keyboard.
+#include <algorithm>
+
 #include "formatset/NumberText.h"
 #include "tradebook/DravelGrid.h"
 #include "tradebook/TradeColumns.h"
@@ -24,8 +26,14 @@ void CDravelGrid::ArrangeRows() {
     StatusStale();
 }
 
+// The filter bar's own texts are read once, when they change.
 bool CDravelGrid::IsItemFilteredByFilterBar(std::uint32_t item, int column, std::string_view text) const {
-    return !ColumnFilter(column, text).Passes(book_.Record(item));
+    const auto& filters = rows_.Arrangement().filters;
+    const auto known = std::ranges::find_if(filters, [&](const ColumnFilter& filter) {
+        return filter.Column() == column && filter.Text() == text;
+    });
+    const TradeRecord& record = book_.Record(item);
+    return !(known == filters.end() ? ColumnFilter(column, text).Passes(record) : known->Passes(record));
 }
 
 TradeItem CDravelGrid::ItemAt(std::uint32_t row) const {
@@ -135,7 +143,7 @@ bool CDravelGrid::MoveKey(std::uint32_t key, GridModifierKeys modifiers) {
 bool CDravelGrid::MoveCurrentRow(bool up) {
     const std::uint32_t row = CurrentRow();
     const std::uint32_t top = drafts_.NewCount();
-    if (row < top || row >= RowCount()) return true;
+    if (row < top || row >= RowCount() || Refused(BookNeed::Change)) return true;
     if (IsSorted() || Model().Groups().Grouped()) {
         user_.Box(up ? "Please Remove Sorting Mode" : " Please Remove Sorting Mode ", "Market Watch",
                   Buttons::Ok, Icon::Warning);

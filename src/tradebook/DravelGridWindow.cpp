@@ -2,6 +2,7 @@
 // Needs the types of the line above.
 #include <shellapi.h>
 
+#include "toolkit/ModalLoop.h"
 #include "tradebook/DravelGrid.h"
 
 using namespace Dravel;
@@ -67,7 +68,8 @@ void CDravelGrid::OnContextMenu(int x, int y, const GridHit&) {
     if (!menu) return;
     const std::wstring filter = std::wstring(FilterMenuText()) + L"\tCtrl+F";
     for (const MenuEntry& entry : kMenu) {
-        const bool idle = (entry.needsSelection && Selection().Empty()) ||
+        const bool idle = !Meets(gate_, NeedOf(entry.command)) ||
+                          (entry.needsSelection && Selection().Empty()) ||
                           (entry.command == command::ExportCsv && book_.RowCount() == 0) ||
                           (entry.command == command::ImportReport && entry_.ImportSummary().empty());
         const bool checked = entry.command == command::MultipleSort && MultipleSort();
@@ -77,6 +79,7 @@ void CDravelGrid::OnContextMenu(int x, int y, const GridHit&) {
     }
     const HWND window = static_cast<HWND>(Window());
     const auto chosen = TrackPopupMenu(menu, TPM_RETURNCMD | TPM_RIGHTBUTTON, x, y, 0, window, nullptr);
+    ModalLoop::Ended();
     DestroyMenu(menu);
     if (chosen) PostMessageW(window, WM_COMMAND, static_cast<WPARAM>(chosen), 0);
 }

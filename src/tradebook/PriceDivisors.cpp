@@ -10,10 +10,12 @@
 
 namespace Dravel {
 
-void PriceDivisors::Load(IFiles& files, const std::filesystem::path& path) {
+FileStatus PriceDivisors::Load(IFiles& files, const std::filesystem::path& path) {
     divisors_.clear();
     std::unique_ptr<IFile> file;
-    if (!files.Open(path, FileMode::Read, FileShare::DenyNone, file)) return;
+    const FileStatus status = files.Open(path, FileMode::Read, FileShare::DenyNone, file);
+    if (status.fault == FileFault::NotFound || status.fault == FileFault::PathNotFound) return {};
+    if (!status) return status;
     CsvLines lines(*file);
     std::string_view line;
     std::vector<std::string_view> cells;
@@ -24,6 +26,7 @@ void PriceDivisors::Load(IFiles& files, const std::filesystem::path& path) {
         const double divisor = ReadDouble(Trimmed(cells[1]));
         if (!key.empty() && divisor > 0) divisors_[key] = divisor;
     }
+    return lines.Failed() ? FileStatus{FileFault::Other, 0} : FileStatus{};
 }
 
 double PriceDivisors::PriceOf(const TradeRecord& record) const {

@@ -13,8 +13,9 @@ namespace Dravel {
 class PriceDivisors {
  public:
     // Reads one "key,divisor" a line. A missing file gives no divisors; a line without a key, or whose
-    // divisor is no number above 0, is passed over. Of two lines with one key the later counts.
-    void Load(IFiles& files, const std::filesystem::path& path);
+    // divisor is no number above 0, is passed over. Of two lines with one key the later counts. A failure, of
+    // a file that is there and cannot be read, leaves the prices undivided: to be tried again.
+    FileStatus Load(IFiles& files, const std::filesystem::path& path);
 
     // The record's price, divided when its contract has a divisor: under the divisor key of the terminal's
     // entry, or under its symbol when that key is empty.

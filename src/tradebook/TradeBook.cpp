@@ -2,15 +2,13 @@
 
 #include <algorithm>
 #include <cstring>
-#include <limits>
 
 #include "records/CodeTables.h"
+#include "tradebook/TradeColumns.h"
 
 namespace Dravel {
 
 namespace {
-
-constexpr std::uint32_t kLargestIdentifier = std::numeric_limits<std::int32_t>::max();
 
 std::int32_t IdentifierOf(const TradeRecord& record) {
     return static_cast<std::int32_t>(record.veltTradeID);
@@ -28,6 +26,7 @@ void TradeBook::BeginLoad() {
     totals_ = {};
     counter_ = 0;
     renumbered_.clear();
+    lowestFree_ = 1;
     SetChanged(false);
     if (shown && observer_) observer_->RowsReset();
 }
@@ -81,58 +80,74 @@ void TradeBook::NameNamelessTrades() {
 }
 
 // The next value of the counter. When a stored trade had the largest identifier there is no next one: then
-// the lowest that is free, because a trade must never be turned away.
+// the lowest that is free, because a trade must never be turned away. None becomes free again, so the search
+// goes on where the last one ended.
 std::int32_t TradeBook::NextIdentifier() {
     if (counter_ < kLargestIdentifier) return static_cast<std::int32_t>(++counter_);
-    std::int32_t identifier = 1;
-    while (trades_.Contains(identifier))
-        ++identifier;
-    return identifier;
+    while (trades_.Contains(lowestFree_))
+        ++lowestFree_;
+    return lowestFree_;
 }
 
 // The terminal may hand over trades while it is asked, so this comes before anything is decided by what the
 // book holds.
 void TradeBook::FindSecurity(TradeRecord& record) {
     if (!record.security) record.security = securities_.Find(record);
+    if (record.security) FillContract(record, *record.security);
 }
 
-std::int32_t TradeBook::Add(TradeRecord& record) {
+std::int32_t TradeBook::Add(TradeRecord& record, const ChangeSource& source) {
     FindSecurity(record);
     record.veltTradeID = record.veltOrderID = static_cast<std::uint32_t>(NextIdentifier());
-    AddTrade(record, DuplicateKey(record), false);
+    AddTrade(record, DuplicateKey(record), false, source);
     return IdentifierOf(record);
 }
 
-std::uint32_t TradeBook::AddUnlessHeld(TradeRecord& record) {
+std::uint32_t TradeBook::AddUnlessHeld(TradeRecord& record, const ChangeSource& source) {
     FindSecurity(record);
     const DuplicateKey key(record);
     if (const TradeItem item = keys_.Find(key); item != DuplicateKeys::kNone) return Record(item).veltTradeID;
     record.veltTradeID = record.veltOrderID = static_cast<std::uint32_t>(NextIdentifier());
     if (record.orderID == 0) record.orderID = record.veltOrderID;
-    AddTrade(record, key, false);
+    AddTrade(record, key, false, source);
     return 0;
 }
 
-std::int32_t TradeBook::AddFromHost(TradeRecord& record) {
+std::int32_t TradeBook::AddFromHost(TradeRecord& record, const ChangeSource& source) {
     FindSecurity(record);
     if (!HasIdentifier(record) || trades_.Contains(IdentifierOf(record))) {
         record.veltTradeID = static_cast<std::uint32_t>(NextIdentifier());
     }
+    if (record.veltOrderID == 0) record.veltOrderID = record.veltTradeID;
     counter_ = std::max(counter_, std::uint32_t{record.veltTradeID});
-    AddTrade(record, DuplicateKey(record), true);
+    AddTrade(record, DuplicateKey(record), true, source);
     return IdentifierOf(record);
 }
 
 // The report comes last: the terminal may call back while it is being told, and must find the book in step.
-void TradeBook::AddTrade(TradeRecord& record, const DuplicateKey& key, bool secondReport) {
+void TradeBook::AddTrade(TradeRecord& record, const DuplicateKey& key, bool secondReport,
+                         const ChangeSource& source) {
+    const TradeItem item = Insert(record, key);
+    if (recorder_) recorder_->Put(record, 0, source);
+    SetChanged(true);
+    if (observer_) observer_->RowAddedOnTop();
+    ReportTrade(host_, store_[item].record, {.trade = !analysisOnly_, .second = secondReport});
+}
+
+TradeItem TradeBook::Insert(const TradeRecord& record, const DuplicateKey& key) {
     const TradeStore::Slot slot = store_.Add(record);
     PushRow(slot);
     trades_.Insert(IdentifierOf(record), slot);
     Enter(slot, key);
     ++revision_;
-    SetChanged(true);
-    if (observer_) observer_->RowAddedOnTop();
-    ReportTrade(host_, store_[slot].record, {.trade = !analysisOnly_, .second = secondReport});
+    return slot;
+}
+
+void TradeBook::Replace(TradeItem item, const TradeRecord& record) {
+    Leave(item);
+    store_[item].record = record;
+    Enter(item, DuplicateKey(record));
+    ++revision_;
 }
 
 void TradeBook::Enter(TradeItem item, const DuplicateKey& key) {
@@ -173,12 +188,9 @@ std::uint32_t TradeBook::RowOf(TradeItem item) const {
 bool TradeBook::Edit(TradeItem item, TradeRecord record) {
     FindSecurity(record);
     if (RowOf(item) == kNoBookRow) return false;
-    TradeRecord& stored = store_[item].record;
-    record.veltTradeID = stored.veltTradeID;
-    Leave(item);
-    stored = record;
-    Enter(item, DuplicateKey(stored));
-    ++revision_;
+    record.veltTradeID = store_[item].record.veltTradeID;
+    Replace(item, record);
+    if (recorder_) recorder_->Put(record, Above(item), source_);
     SetChanged(true);
     if (observer_) observer_->RowEdited(item);
     ReportTrade(host_, store_[item].record, {.trade = !analysisOnly_});
@@ -200,20 +212,14 @@ std::vector<std::uint32_t> TradeBook::RowsOf(std::span<const TradeItem> items) c
 std::uint32_t TradeBook::Delete(std::span<const TradeItem> wanted) {
     const std::vector<std::uint32_t> rows = RowsOf(wanted);
     if (rows.empty()) return 0;
-    std::vector<TradeItem> items;
-    items.reserve(rows.size());
-    for (const std::uint32_t row : rows) {
-        items.push_back(ItemAt(row));
-        store_[items.back()].deleted = 1;
-        Leave(items.back());
+    const std::vector<TradeItem> items = TakeOut(rows);
+    if (recorder_) {
+        std::vector<std::uint32_t> identifiers;
+        identifiers.reserve(items.size());
+        for (const TradeItem item : items)
+            identifiers.push_back(+Record(item).veltTradeID);
+        recorder_->Deleted(identifiers, source_);
     }
-    // One pass over what lies above the lowest row that goes, however many go.
-    const auto at = [this](std::uint32_t row) { return rows_.end() - 1 - row; };
-    auto keep = at(rows.back());
-    for (std::size_t i = rows.size(); i-- > 0;)
-        keep = std::copy(at(rows[i]) + 1, i == 0 ? rows_.end() : at(rows[i - 1]), keep);
-    rows_.erase(keep, rows_.end());
-    ++revision_;
     SetChanged(true);
     if (observer_) observer_->RowsRemoved(rows, items);
     for (const TradeItem item : items)
@@ -221,9 +227,33 @@ std::uint32_t TradeBook::Delete(std::span<const TradeItem> wanted) {
     return static_cast<std::uint32_t>(items.size());
 }
 
-// The ranks stay where they are: each belongs to a place, and the trades change places.
+// Rows ascending. One pass over what lies above the lowest row that goes, however many go.
+std::vector<TradeItem> TradeBook::TakeOut(std::span<const std::uint32_t> rows) {
+    std::vector<TradeItem> items;
+    items.reserve(rows.size());
+    for (const std::uint32_t row : rows) {
+        items.push_back(ItemAt(row));
+        store_[items.back()].deleted = 1;
+        Leave(items.back());
+    }
+    const auto at = [this](std::uint32_t row) { return rows_.end() - 1 - row; };
+    auto keep = at(rows.back());
+    for (std::size_t i = rows.size(); i-- > 0;)
+        keep = std::copy(at(rows[i]) + 1, i == 0 ? rows_.end() : at(rows[i - 1]), keep);
+    rows_.erase(keep, rows_.end());
+    ++revision_;
+    return items;
+}
+
 void TradeBook::MoveRow(std::uint32_t from, std::uint32_t to) {
     if (from >= RowCount() || to >= RowCount() || from == to) return;
+    Shift(from, to);
+    if (recorder_) recorder_->Moved(+Row(to).veltTradeID, Above(ItemAt(to)));
+    if (observer_) observer_->RowMoved(from, to);
+}
+
+// The ranks stay where they are: each belongs to a place, and the trades change places.
+void TradeBook::Shift(std::uint32_t from, std::uint32_t to) {
     const auto at = [this](std::uint32_t row) { return rows_.end() - 1 - row; };
     const auto first = at(std::max(from, to)), last = at(std::min(from, to)) + 1;
     std::vector<std::uint32_t> ranks;
@@ -236,7 +266,11 @@ void TradeBook::MoveRow(std::uint32_t from, std::uint32_t to) {
     }
     for (auto row = first; row != last; ++row)
         ranks_[*row] = ranks[static_cast<std::size_t>(row - first)];
-    if (observer_) observer_->RowMoved(from, to);
+}
+
+std::uint32_t TradeBook::Above(TradeItem item) const {
+    const std::uint32_t row = RowOf(item);
+    return row == 0 || row == kNoBookRow ? 0u : +Row(row - 1).veltTradeID;
 }
 
 void TradeBook::SetChanged(bool changed) {

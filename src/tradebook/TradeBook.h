@@ -2,10 +2,14 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <span>
+#include <utility>
 #include <vector>
 
 #include "host/Host.h"
+#include "platform/Clock.h"
+#include "records/ChangeRecorder.h"
 #include "tradebook/BookPort.h"
 #include "tradebook/DuplicateKeys.h"
 #include "tradebook/SecurityLookup.h"
@@ -20,6 +24,7 @@ namespace Dravel {
 using TradeItem = TradeStore::Slot;
 inline constexpr TradeItem kNoItem = TradeIndex::kNone;
 inline constexpr std::uint32_t kNoBookRow = 0xFFFFFFFF;
+inline constexpr std::uint32_t kLargestIdentifier = 0x7FFFFFFF;
 
 // Told of every change of the rows, after it happened. Row 0 is the top row.
 class IBookObserver {
@@ -54,7 +59,8 @@ struct RunningTotals {
 // way in.
 class TradeBook final : public ITradeSink {
  public:
-    explicit TradeBook(IHost& host) : host_(host), securities_(host) {}
+    explicit TradeBook(IHost& host, const IClock& clock = SystemClock())
+        : host_(host), securities_(host, clock) {}
 
     // Loading: BeginLoad empties the book, Load takes the frames in file order (the first is the top row),
     // EndLoad gives identifiers to the trades that have none and shows the rows. Two different frames with
@@ -68,12 +74,16 @@ class TradeBook final : public ITradeSink {
 
     // A new trade, on top: takes the next value of the counter as VELTTradeID and VELTOrderID, enters its
     // key, is reported, sets the changed flag. Returns its identifier.
-    std::int32_t Add(TradeRecord& record);
-    std::uint32_t AddUnlessHeld(TradeRecord& record) override;
-    // A trade that the terminal hands over: as Add, but it keeps an identifier of its own that nobody else
-    // holds, and is reported a second time too.
-    std::int32_t AddFromHost(TradeRecord& record);
+    std::int32_t Add(TradeRecord& record) { return Add(record, source_); }
+    std::int32_t Add(TradeRecord& record, const ChangeSource& source);
+    std::uint32_t AddUnlessHeld(TradeRecord& record, const ChangeSource& source) override;
+    // A trade that the terminal hands over: as Add, but it keeps identifiers of its own, as VELTTradeID one
+    // that nobody else holds, and is reported a second time too.
+    std::int32_t AddFromHost(TradeRecord& record, const ChangeSource& source = {ChangeKind::Terminal, {}, 0});
     std::uint32_t HolderOf(const TradeRecord& record) const override;
+    const SecurityMasterEntry* ContractOf(const TradeRecord& record) override {
+        return securities_.Find(record);
+    }
     // Puts `record` in the place of the trade, which keeps its identifier, looks up the contract when the
     // record has none, reports the trade and sets the changed flag. False: the trade was deleted.
     bool Edit(TradeItem item, TradeRecord record);
@@ -89,6 +99,20 @@ class TradeBook final : public ITradeSink {
     void EndBatch() override {
         if (observer_) observer_->BatchEnds();
     }
+
+    // Changes that were recorded since the book was saved, carried out again behind a load: nothing is
+    // reported or recorded, and the rows are shown at the end. A put takes the place of the trade with its
+    // identifier, or comes in below the trade `above`; what speaks of a trade that is not there does nothing.
+    void RestorePut(TradeRecord record, std::uint32_t above);
+    void RestoreDeleted(std::span<const std::uint32_t> identifiers);
+    void RestoreMoved(std::uint32_t identifier, std::uint32_t above);
+    // `changed`: something other than the order of the rows.
+    void EndRestore(bool changed);
+    // Gives the trades of the book what they lack of their contract, without flag or report. The first fills
+    // texts that are empty from the contracts that are known; the second first asks the terminal anew for
+    // those that are not.
+    void FillFromContracts();
+    void FindContracts();
 
     // Reports every trade of the book in ascending order of its identifier.
     void ReportAll(ReportKind kind = {}) const;
@@ -114,16 +138,29 @@ class TradeBook final : public ITradeSink {
     // Counts the changes of the book since it was made; two equal values mean the same trades.
     std::uint64_t Revision() const { return revision_; }
     void SetChanged(bool changed);
-    bool AnalysisOnly() const { return analysisOnly_; }
     void SetAnalysisOnly(bool on) { analysisOnly_ = on; }
     const RunningTotals& Totals() const { return totals_; }
     // What finds the terminal's entry of a trade's contract, for whoever reads stored trades.
-    ISecurityMaster& Securities() { return securities_; }
+    SecurityLookup& Securities() { return securities_; }
     void SetObserver(IBookObserver* observer) { observer_ = observer; }
+    // Told of every change before the terminal is; nullptr: nobody.
+    void SetRecorder(IChangeRecorder* recorder) { recorder_ = recorder; }
+    // Whose changes come from now on, where they are not told with them: the user's.
+    void SetUser(const std::string& name) { source_.name = name; }
 
  private:
     void FindSecurity(TradeRecord& record);
-    void AddTrade(TradeRecord& record, const DuplicateKey& key, bool secondReport);
+    void TakeFromContract(TradeItem item, const SecurityMasterEntry& contract);
+    void ContractsTaken(std::span<const TradeItem> items);
+    void AddTrade(TradeRecord& record, const DuplicateKey& key, bool secondReport,
+                  const ChangeSource& source);
+    TradeItem Insert(const TradeRecord& record, const DuplicateKey& key);
+    void Replace(TradeItem item, const TradeRecord& record);
+    std::vector<TradeItem> TakeOut(std::span<const std::uint32_t> rows);
+    void Shift(std::uint32_t from, std::uint32_t to);
+    void Place(TradeItem item, std::uint32_t above);
+    TradeItem Revive(TradeItem item, const TradeRecord& record);
+    std::uint32_t Above(TradeItem item) const;
     void NameNamelessTrades();
     std::int32_t NextIdentifier();
     void Enter(TradeItem item, const DuplicateKey& key);
@@ -134,6 +171,8 @@ class TradeBook final : public ITradeSink {
     IHost& host_;
     SecurityLookup securities_;
     IBookObserver* observer_ = nullptr;
+    IChangeRecorder* recorder_ = nullptr;
+    ChangeSource source_;
     TradeStore store_;
     std::vector<TradeItem> rows_;       // the last is the top row, so that a trade comes in at the end
     std::vector<std::uint32_t> ranks_;  // by item; ascending along rows_, so that an item's row can be found
@@ -143,6 +182,7 @@ class TradeBook final : public ITradeSink {
     std::uint64_t revision_ = 0;
     std::uint32_t counter_ = 0;
     std::vector<Renumbered> renumbered_;
+    std::int32_t lowestFree_ = 1;  // no lower identifier is free
     bool changed_ = false;
     bool analysisOnly_ = false;
 };

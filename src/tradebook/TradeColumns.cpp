@@ -5,6 +5,7 @@
 #include <cstring>
 
 #include "formatset/DateFormat.h"
+#include "formatset/LetterCase.h"
 #include "formatset/NumberText.h"
 #include "records/CodeTables.h"
 #include "records/RecordText.h"
@@ -180,6 +181,30 @@ void TakeContract(TradeRecord& record, const SecurityMasterEntry& entry) {
     SetText(record.optionType, TextOf(entry.optionType));
     record.strikePrice = entry.strikePrice;
     record.security = &entry;
+}
+
+bool LacksOfContract(const TradeRecord& record, const SecurityMasterEntry& entry) {
+    const auto lacks = [](const char* own, const char* given) { return own[0] == '\0' && given[0] != '\0'; };
+    const bool anything = lacks(record.securityType, entry.securityType) ||
+                          lacks(record.symbol, entry.symbol) || lacks(record.optionType, entry.optionType) ||
+                          lacks(record.expiryDate, entry.expiryText) ||
+                          (record.expiryDate[0] == '\0' && entry.expiryTime >= 1) ||
+                          (record.strikePrice == 0 && entry.strikePrice != 0);
+    return anything && (record.symbol[0] == '\0' || SameLetters(TextOf(record.symbol), TextOf(entry.symbol)));
+}
+
+void FillContract(TradeRecord& record, const SecurityMasterEntry& entry) {
+    if (!LacksOfContract(record, entry)) return;
+    TradeRecord contract{};
+    TakeContract(contract, entry);
+    const auto fill = [](auto& text, const auto& from) {
+        if (text[0] == '\0') std::memcpy(text, from, sizeof(text));
+    };
+    fill(record.securityType, contract.securityType);
+    fill(record.symbol, contract.symbol);
+    fill(record.expiryDate, contract.expiryDate);
+    fill(record.optionType, contract.optionType);
+    if (record.strikePrice == 0) record.strikePrice = contract.strikePrice;
 }
 
 void CopyContract(TradeRecord& record, const TradeRecord& from) {

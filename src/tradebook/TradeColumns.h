@@ -89,6 +89,11 @@ void AppendExpiry(const SecurityMasterEntry& entry, std::string& text);
 // Makes `entry` the record's contract: its seven texts and numbers become the record's own, and the record
 // borrows it.
 void TakeContract(TradeRecord& record, const SecurityMasterEntry& entry);
+// Whether the entry has a text, or a strike price, that the record is empty of. False for a record whose own
+// symbol is another one's: no contract is made of two.
+bool LacksOfContract(const TradeRecord& record, const SecurityMasterEntry& entry);
+// Fills these in, so that the record can do without the entry.
+void FillContract(TradeRecord& record, const SecurityMasterEntry& entry);
 // Copies what TakeContract set in `from`, without making the texts anew.
 void CopyContract(TradeRecord& record, const TradeRecord& from);
 

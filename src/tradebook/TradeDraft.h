@@ -11,6 +11,7 @@
 #include <utility>
 #include <vector>
 
+#include "records/ChangeRecorder.h"
 #include "support/OuterCall.h"
 #include "tradebook/TradeBook.h"
 #include "tradebook/TradeColumns.h"
@@ -42,6 +43,12 @@ inline void DraftCell(const TradeDraft& draft, const TradeBook& book, int column
     }
 }
 
+// The same row as the journal keeps it.
+inline DraftTexts TextsOf(const TradeDraft& draft, const TradeBook& book) {
+    static_assert(column::Count == kDraftCells);
+    return {draft.id, draft.New() ? 0u : +book.Record(draft.item).veltTradeID, draft.cells, draft.set};
+}
+
 // All drafts of a grid. User-interface thread. A draft stays at its address until it is removed, and for the
 // calls that are under way then: one of them may be working on it.
 class DraftSheet {
@@ -56,6 +63,18 @@ class DraftSheet {
         return static_cast<std::uint32_t>(fresh_.end() - found - 1);
     }
     TradeDraft& AddOnTop() { return Add(fresh_); }
+    // One of an earlier run, with its identifier; they come in the order of these. Of a trade that has gone:
+    // nothing.
+    void Restore(const DraftTexts& texts, const TradeBook& book);
+    // Identifiers up to this one were given in an earlier run.
+    void GoOnBehind(std::uint32_t lastID) { lastID_ = std::max(lastID_, lastID); }
+    template <class Deal>
+    void ForEach(const Deal& deal) const {
+        for (const auto* const drafts : {&fresh_, &over_}) {
+            for (const auto& draft : *drafts)
+                deal(*draft);
+        }
+    }
     TradeDraft* Find(std::uint32_t id) const {
         for (const auto* const drafts : {&fresh_, &over_}) {
             for (const auto& draft : *drafts) {
@@ -94,6 +113,7 @@ class DraftSheet {
         }
     }
     bool Empty() const { return fresh_.empty() && over_.empty(); }
+    std::uint32_t Count() const { return static_cast<std::uint32_t>(fresh_.size() + over_.size()); }
 
  private:
     using Drafts = std::vector<std::unique_ptr<TradeDraft>>;
@@ -107,6 +127,16 @@ class DraftSheet {
     std::uint32_t lastID_ = 0;
 };
 
+inline void DraftSheet::Restore(const DraftTexts& texts, const TradeBook& book) {
+    const TradeItem item = texts.trade == 0 ? kNoItem : book.ItemOf(static_cast<std::int32_t>(texts.trade));
+    if (texts.trade != 0 && book.RowOf(item) == kNoBookRow) return;
+    TradeDraft& draft = item == kNoItem ? AddOnTop() : LayOver(item);
+    draft.id = texts.id;
+    draft.cells = texts.cells;
+    draft.set = texts.set;
+    GoOnBehind(texts.id);
+}
+
 // What trade entry asks of the grid that shows the drafts.
 class IDraftView {
  public:
@@ -115,6 +145,8 @@ class IDraftView {
     virtual void DraftChanged(const TradeDraft& draft) = 0;
     // The draft became the trade `item` of the book, or one that it changed. The draft is removed.
     virtual void DraftEntered(TradeDraft& draft, TradeItem item) = 0;
+    // Puts a sentence about the cell that is being ended into the status line.
+    virtual void Say(std::string sentence) = 0;
     // Makes the cell the current one and takes the keyboard. Nothing when the draft is gone by now.
     virtual void GoTo(std::uint32_t draftID, int column) = 0;
     // False: the row, or the window that shows it, went while the terminal or the user was asked.

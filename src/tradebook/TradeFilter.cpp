@@ -40,7 +40,7 @@ std::int64_t LeadingNumber(std::string_view text) {
 
 }  // namespace
 
-ColumnFilter::ColumnFilter(int column, std::string_view text) : column_(column) {
+ColumnFilter::ColumnFilter(int column, std::string_view text) : column_(column), text_(text) {
     if (column < 0 || column >= column::Count || text.empty() || text == kNoFilter) return;
     switch (kMeanings[static_cast<std::size_t>(column)]) {
         case Meaning::Words:

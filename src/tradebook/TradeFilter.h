@@ -29,6 +29,7 @@ class ColumnFilter {
     ColumnFilter(int column, std::string_view text);
 
     int Column() const { return column_; }
+    const std::string& Text() const { return text_; }  // as it was given
     Rule Kind() const { return rule_; }
     // For Words: in lower case, none empty; without any nothing passes.
     const std::vector<std::string>& Needles() const { return needles_; }
@@ -45,6 +46,7 @@ class ColumnFilter {
     void ReadNumber(std::string_view text);
 
     int column_;
+    std::string text_;
     Rule rule_ = Rule::All;
     std::int64_t number_ = 0;
     std::vector<std::string> needles_;

@@ -265,8 +265,8 @@ std::size_t TradeRows::SameLevels(TradeItem a, TradeItem b, std::size_t levels) 
 }
 
 bool TradeRows::Passes(TradeItem item) const {
-    return std::ranges::all_of(arrangement_.filters,
-                               [&](const ColumnFilter& filter) { return filter.Passes(book_.Record(item)); });
+    return std::ranges::none_of(arrangement_.filters,
+                                [&](const ColumnFilter& filter) { return display_.Hides(filter, item); });
 }
 
 TradeItem TradeRows::ItemAt(std::uint32_t row) const {

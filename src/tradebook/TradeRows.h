@@ -31,6 +31,9 @@ class IRowDisplay {
                            const std::function<std::uint32_t(std::uint32_t)>& newRow) = 0;
     virtual void Reset() = 0;
     virtual void Changed(std::uint32_t row) = 0;  // says something else now
+    // Whether one of the arrangement's filters hides a trade that came or changed. All trades at once are
+    // filtered by the same ColumnFilter over packed cells.
+    virtual bool Hides(const ColumnFilter& filter, TradeItem item) const = 0;
 };
 
 // How the rows are arranged. Columns are those of TradeColumns.h.

@@ -29,7 +29,7 @@ case $(basename "$script") in bad-input*)
   yes '<A>"#' | head -c 5000 > "$stage/PLUGINDLLS/Dravel/Dravel/Settings.xml"
   yes '<A>"#' | head -c 5000 > "$stage/PLUGINDLLS/Dravel/Dravel/Data/DravelBook_Dravel.ada" ;;
 esac
-case $(basename "$script") in import-cancel* | import-bar-gone* | import-save-close*)
+case $(basename "$script") in import-cancel* | import-bar-gone* | import-save-close* | menu-unload*)
   wine "$build/make_trades.exe" --csv "$(winepath -w "$stage/samples/many.csv")" --trades 300000 --duplicates 40 ;;
 esac
 case $(basename "$script") in many-clients*)

@@ -70,7 +70,7 @@ std::unique_ptr<BookFile> BookRig::Make() {
 bool BookRig::Start() {
     file.reset();
     file = Make();
-    return file->Acquire();
+    return static_cast<bool>(file->Acquire());
 }
 
 Trades BookRig::Load() {

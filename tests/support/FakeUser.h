@@ -33,6 +33,13 @@ class FakeUser final : public IUser {
         answers.pop_front();
         return answer;
     }
+    std::uint32_t Ask(std::string_view text, Buttons set, QuestionEnd& end) override {
+        bool ended = false;
+        end.Opened([&ended] { ended = true; });
+        const std::uint32_t answer = Box(text, "Dravel", set, Icon::Question, 0);
+        end.Closed();
+        return ended ? 0 : answer;
+    }
     void Notice(std::string_view text) override { notices.emplace_back(text); }
 };
 

@@ -47,6 +47,9 @@ class FaultFiles final : public IFiles {
     std::uint64_t Operations() const { return operations_; }
     void CountAnew() { operations_ = 0; }
 
+    // Files and folders (with what lies in them) in which nothing can be written.
+    std::set<std::string> readOnly;
+
     // Called in front of every operation and behind every single byte written, with the disk as it then is.
     std::function<void()> watch;
 
@@ -61,6 +64,8 @@ class FaultFiles final : public IFiles {
     void Crash(Keep keep, std::size_t namesBack = 0);
     // The process was killed: its handles are gone, the disk keeps everything.
     void Kill() { Crash(Keep::Everything); }
+    // An empty disk without a plan, as at first.
+    void Format();
 
     // Past all faults.
     const FileBytes& Content(const std::string& path) const;
@@ -100,7 +105,9 @@ class FaultFiles final : public IFiles {
     bool Held(const Node& node) const;
     FileStatus OpenNode(const std::string& path, FileMode mode, FileShare share, bool removes,
                         std::unique_ptr<IFile>& file);
+    bool Denied(const std::string& path) const;
     FileStatus NewName(const std::string& from, const std::string& to);
+    bool WriteBlock(Node& node, std::size_t at, const std::uint8_t* bytes, std::size_t count);
     FileStatus WriteByte(Node& node, std::uint64_t at, std::uint8_t byte);
     void Changed(Node& node);
     void NamesWillChange() { older_.push_back(names_); }

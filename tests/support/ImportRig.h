@@ -26,11 +26,16 @@ class FakeBook final : public ITradeSink {
         const auto holder = keys_.find(PlainKey(record));
         return holder == keys_.end() ? 0 : holder->second;
     }
-    std::uint32_t AddUnlessHeld(TradeRecord& record) override {
+    std::uint32_t AddUnlessHeld(TradeRecord& record, const ChangeSource& from) override {
+        source = from;
         if (const std::uint32_t holder = HolderOf(record); holder != 0) return holder;
         Add(record);
         if (onAdd) onAdd();
         return 0;
+    }
+    const SecurityMasterEntry* ContractOf(const TradeRecord& record) override {
+        const auto found = contracts.find(std::string(TextOf(record.securityID)));
+        return found == contracts.end() ? nullptr : found->second;
     }
     void BeginBatch() override { ++calls, ++batches; }
     void EndBatch() override { ++calls, --batches; }
@@ -49,6 +54,8 @@ class FakeBook final : public ITradeSink {
         return all;
     }
     std::vector<TradeRecord> trades;
+    ChangeSource source;                                          // of the last trade
+    std::map<std::string, const SecurityMasterEntry*> contracts;  // by SecurityID
     std::function<void()> onAdd;  // as the terminal may call back when it is told
     int batches = 0;              // that are open
     mutable int calls = 0;

@@ -1,4 +1,5 @@
 // Cells of a real grid edited in place: keys, type-ahead, the list, and rows that come and go meanwhile.
+#include "toolkit/AnsiText.h"
 #include "win32/GridRig.h"
 
 using namespace Dravel;
@@ -44,6 +45,26 @@ TEST_F(GridEdit, KeysOpenLeaveAndCancelAnEdit) {
     EXPECT_FALSE(grid.EditCell(3, 2));
     Do("type:x");
     EXPECT_EQ(State(), "3.2");
+}
+
+// The field ends a text at a zero byte, and may know no character for others.
+TEST_F(GridEdit, ATextThatNobodyChangedComesBackByteForByte) {
+    SetFocus(Window());
+    for (const std::string& text : {std::string("A\0B", 3), std::string("\xC3"), std::string("\xE9\x81")}) {
+        grid.SetCurrent(3, 1);
+        grid.cells[{3, 1}] = text;
+        Told();
+        Do("f2 enter");
+        EXPECT_EQ(Told(), "set 3.1=" + text);
+    }
+}
+
+TEST(AnsiTexts, WhatThePageDoesNotHaveIsNotReplacedByWhatLooksAlike) {
+    const bool utf8 = GetACP() == CP_UTF8;
+    EXPECT_EQ(Narrow(L"\x221E"), utf8 ? "\xE2\x88\x9E" : "?");
+    EXPECT_EQ(Narrow(L"10"), "10");
+    EXPECT_EQ(Utf8(L"\x221E"), "\xE2\x88\x9E");
+    EXPECT_EQ(Widen(Narrow(L"\xE9")), L"\xE9");
 }
 
 TEST_F(GridEdit, TypeAheadCompletesAndTheListChooses) {

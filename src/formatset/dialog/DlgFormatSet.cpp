@@ -187,6 +187,7 @@ void CDlgFormatSet::ShowStored(const fs::path& name) {
     FormatSet set;
     const FileStatus status = sets_.Load(name, set);
     current_ = name;
+    unread_ = !status;
     List();
     Show(set);
     Say(status ? std::string() : FaultText("The format set could not be read", status));
@@ -278,7 +279,8 @@ bool CDlgFormatSet::Save() {
         return false;
     }
     const fs::path stored = sets_.Find(name);
-    if (!stored.empty() && stored != current_ &&
+    // What is shown of a set that could not be read is not that set.
+    if (!stored.empty() && (stored != current_ || unread_) &&
         !Ask(std::string("Do you want to replace ").append(Quoted(stored)) + " ?"))
         return false;
     return Store(stored.empty() ? name : stored, set);
@@ -291,6 +293,7 @@ bool CDlgFormatSet::Store(const fs::path& name, const FormatSet& set) {
         return false;
     }
     result_ = current_ = name;
+    unread_ = false;
     saved_ = set;
     List();
     Say(std::string("Format set ").append(Quoted(name)) + " saved" +

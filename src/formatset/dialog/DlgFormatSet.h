@@ -69,6 +69,7 @@ class CDlgFormatSet final : public Dravel::DialogBase {
     std::vector<std::filesystem::path> names_;  // as listed
     std::filesystem::path result_;              // of Open
     std::filesystem::path current_;             // the stored set that is shown; empty: a new one
+    bool unread_ = false;                       // the stored set could not be read: what is shown is another
     std::wstring typed_;                        // in the name's field, before the list overwrote it
     Dravel::FormatSet saved_;                   // what was shown when it was last stored
 };

@@ -32,6 +32,10 @@ FileFault FaultOf(int error) {
         case EBUSY:
         case ETXTBSY:
             return FileFault::InUse;
+        case EACCES:
+        case EPERM:
+        case EROFS:
+            return FileFault::Denied;
         case ENOSPC:
         case EDQUOT:
         case EFBIG:
@@ -240,7 +244,7 @@ class PosixFiles final : public IFiles {
     FileStatus Info(const fs::path& path, FileInfo& info) override {
         struct stat found;
         if (::stat(path.c_str(), &found) != 0) return LastStatus(path);
-        info = {static_cast<std::uint64_t>(found.st_size), found.st_mtime};
+        info = {static_cast<std::uint64_t>(found.st_size), found.st_mtime, S_ISDIR(found.st_mode)};
         return {};
     }
 

@@ -5,6 +5,8 @@
 #include <thread>
 #include <utility>
 
+#include "platform/FloatingPoint.h"
+
 namespace KRV::Thread {
 
 struct CKRVThread::Impl {
@@ -15,7 +17,10 @@ CKRVThread::CKRVThread() : impl_(std::make_unique<Impl>()) {}
 CKRVThread::~CKRVThread() = default;
 
 bool CKRVThread::Start(std::function<void()> work) try {
-    impl_->thread = std::thread(std::move(work));
+    impl_->thread = std::thread([work = std::move(work)] {
+        const Dravel::FloatingPointScope ours;  // a thread begins with the state of the one that made it
+        work();
+    });
     return true;
 } catch (const std::system_error& error) {
     errno = error.code().value();

@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <utility>
 
+#include "platform/LongPath.h"
 #include "platform/win32/UniqueHandle.h"
 
 namespace Dravel {
@@ -29,6 +30,9 @@ FileFault FaultOf(DWORD error) {
         case ERROR_LOCK_VIOLATION:
         case ERROR_USER_MAPPED_FILE:
             return FileFault::InUse;
+        case ERROR_ACCESS_DENIED:
+        case ERROR_WRITE_PROTECT:
+            return FileFault::Denied;
         case ERROR_DISK_FULL:
         case ERROR_HANDLE_DISK_FULL:
             return FileFault::Full;
@@ -120,9 +124,33 @@ DWORD ShareOf(FileShare share) {
     return 0;
 }
 
+// A path as the system takes it at any length. Its plain calls end at 260 characters (248 for a folder),
+// which a backup's name reaches in a terminal's folder of 190. Short paths are passed on as they stand.
+class SystemPath {
+ public:
+    SystemPath(const fs::path& path) : path_(path.native()) {  // NOLINT: stands for the path in every call
+        if (std::wstring full = Full(path_); full.size() >= kPlainLength) path_ = LongPathForm(full);
+    }
+    operator const wchar_t*() const { return path_.c_str(); }
+
+ private:
+    static constexpr std::size_t kPlainLength = 240;  // leaves room for what is put behind a folder
+
+    // Absolute, with backslashes, without "." and ".."; empty when the system cannot tell.
+    static std::wstring Full(const std::wstring& path) {
+        std::wstring full(GetFullPathNameW(path.c_str(), 0, nullptr, nullptr), L'\0');
+        if (!full.empty())
+            full.resize(
+                GetFullPathNameW(path.c_str(), static_cast<DWORD>(full.size()), full.data(), nullptr));
+        return full;
+    }
+
+    std::wstring path_;
+};
+
 FileStatus OpenHandle(const fs::path& path, DWORD access, DWORD share, DWORD creation, DWORD flags,
                       std::unique_ptr<IFile>& file) {
-    unique_file handle(CreateFileW(path.c_str(), access, share, nullptr, creation, flags, nullptr));
+    unique_file handle(CreateFileW(SystemPath(path), access, share, nullptr, creation, flags, nullptr));
     if (!handle) return LastStatus();
     file = std::make_unique<Win32File>(std::move(handle));
     return {};
@@ -161,54 +189,63 @@ class Win32Files final : public IFiles {
     }
 
     FileStatus OpenLock(const fs::path& path, std::unique_ptr<IFile>& file) override {
-        FileStatus status = OpenHandle(path, GENERIC_READ | GENERIC_WRITE | DELETE, 0, OPEN_ALWAYS,
-                                       FILE_ATTRIBUTE_NORMAL | FILE_FLAG_DELETE_ON_CLOSE, file);
-        // Denied, too, while the file of an owner that just left is being deleted.
-        if (status.code == ERROR_ACCESS_DENIED) status.fault = FileFault::InUse;
+        const auto open = [&] {
+            return OpenHandle(path, GENERIC_READ | GENERIC_WRITE | DELETE, 0, OPEN_ALWAYS,
+                              FILE_ATTRIBUTE_NORMAL | FILE_FLAG_DELETE_ON_CLOSE, file);
+        };
+        FileStatus status = open();
+        if (status.fault != FileFault::Denied) return status;
+        // Access is denied, too, while the file of an owner that just left is being deleted; then it can't
+        // even be asked about. When it is gone meanwhile, the next try tells whether the folder refuses.
+        FileInfo info;
+        const FileStatus left = Info(path, info);
+        if (left.fault == FileFault::NotFound) return open();
+        if (!left) status.fault = FileFault::InUse;
         return status;
     }
 
     FileStatus Rename(const fs::path& from, const fs::path& to) override {
-        return MoveStatus(MoveFileExW(from.c_str(), to.c_str(), MOVEFILE_WRITE_THROUGH));
+        return MoveStatus(MoveFileExW(SystemPath(from), SystemPath(to), MOVEFILE_WRITE_THROUGH));
     }
 
     FileStatus Replace(const fs::path& from, const fs::path& to) override {
-        return MoveStatus(
-            MoveFileExW(from.c_str(), to.c_str(), MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH));
+        return MoveStatus(MoveFileExW(SystemPath(from), SystemPath(to),
+                                      MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH));
     }
 
     FileStatus Link(const fs::path& from, const fs::path& to) override {
-        return StatusOf(CreateHardLinkW(to.c_str(), from.c_str(), nullptr));
+        return StatusOf(CreateHardLinkW(SystemPath(to), SystemPath(from), nullptr));
     }
 
-    FileStatus Remove(const fs::path& path) override { return MoveStatus(DeleteFileW(path.c_str())); }
+    FileStatus Remove(const fs::path& path) override { return MoveStatus(DeleteFileW(SystemPath(path))); }
 
     FileStatus Info(const fs::path& path, FileInfo& info) override {
         WIN32_FILE_ATTRIBUTE_DATA found;
-        if (!GetFileAttributesExW(path.c_str(), GetFileExInfoStandard, &found)) return LastStatus();
+        if (!GetFileAttributesExW(SystemPath(path), GetFileExInfoStandard, &found)) return LastStatus();
         const FILETIME& time = found.ftLastWriteTime;
         const auto ticks = static_cast<std::int64_t>(static_cast<std::uint64_t>(time.dwHighDateTime) << 32 |
                                                      time.dwLowDateTime);
         info.size = static_cast<std::uint64_t>(found.nFileSizeHigh) << 32 | found.nFileSizeLow;
         info.modified = (ticks - kEpoch) / 10000000;
+        info.folder = (found.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) != 0;
         return {};
     }
 
     FileStatus MakeFolders(const fs::path& folder) override {
-        if (folder.empty() || CreateDirectoryW(folder.c_str(), nullptr)) return {};
+        if (folder.empty() || CreateDirectoryW(SystemPath(folder), nullptr)) return {};
         const FileStatus status = LastStatus();
         if (status.fault == FileFault::Exists || IsFolder(folder)) {
             return IsFolder(folder) ? FileStatus{} : status;
         }
         if (status.fault != FileFault::PathNotFound || folder.parent_path() == folder) return status;
         if (const FileStatus above = MakeFolders(folder.parent_path()); !above) return above;
-        return StatusOf(CreateDirectoryW(folder.c_str(), nullptr) || IsFolder(folder));
+        return StatusOf(CreateDirectoryW(SystemPath(folder), nullptr) || IsFolder(folder));
     }
 
     FileStatus List(const fs::path& folder, std::vector<fs::path>& names) override {
         names.clear();
         WIN32_FIND_DATAW found;
-        const unique_find search(FindFirstFileW((folder / L"*").c_str(), &found));
+        const unique_find search(FindFirstFileW(SystemPath(folder / L"*"), &found));
         if (!search) {
             const FileStatus status = LastStatus();
             const bool missing =
@@ -223,7 +260,7 @@ class Win32Files final : public IFiles {
 
  private:
     static bool IsFolder(const fs::path& path) {
-        const DWORD attributes = GetFileAttributesW(path.c_str());
+        const DWORD attributes = GetFileAttributesW(SystemPath(path));
         return attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_DIRECTORY);
     }
 };

@@ -4,6 +4,8 @@
 
 #include <utility>
 
+#include "platform/FloatingPoint.h"
+
 namespace KRV::Thread {
 
 struct CKRVThread::Impl {
@@ -12,6 +14,7 @@ struct CKRVThread::Impl {
 };
 
 static DWORD WINAPI Run(void* work) {
+    const Dravel::FloatingPointScope ours;  // other libraries have heard of the thread before
     (*static_cast<std::function<void()>*>(work))();
     return 0;
 }

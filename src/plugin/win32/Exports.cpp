@@ -3,6 +3,7 @@
 #include <windows.h>
 
 #include "message/TagMessageReader.h"
+#include "platform/LibraryUse.h"
 #include "plugin/MessageDispatch.h"
 #include "plugin/Registration.h"
 #include "plugin/win32/Plugin.h"
@@ -29,9 +30,13 @@ std::uint64_t Address(auto* entry) {
 
 void GetDllInfo(CTagReceiveQueue* output, std::uint8_t* flag) {
     if (!output || !flag) return;
-    Entered("GetDllInfo", [&] {
+    // It calls nobody who could free the library, and a host that only asks for this may never take a
+    // message.
+    Dravel::Shielded("GetDllInfo", false, [&] {
+        Dravel::Plugin::Instance().WatchForCrashes();
         Dravel::AppendRegistration(*output, *flag,
                                    {Address(&DravelBar), Address(&OnMessage), Address(&OnPluginMessage)});
+        return true;
     });
 }
 
@@ -49,15 +54,18 @@ void OnPluginMessage(CTagMessageReader* reader) {
     Entered("OnPluginMessage", [&] { Dravel::DispatchPluginMessage(*reader, Dravel::Plugin::Instance()); });
 }
 
-extern "C" const IMAGE_TLS_DIRECTORY _tls_used;
+#ifdef __GLIBCXX__
+namespace __gnu_cxx {
+void __freeres();
+}
+#endif
 
-// The thread library that is linked in keeps handles for every thread that it has met, and gives them back
-// when the thread ends. The host's thread goes on without us, so it is told here that for this library the
-// thread has ended.
-static void LeaveThread(HINSTANCE module) {
-    const auto* callback = reinterpret_cast<const PIMAGE_TLS_CALLBACK*>(_tls_used.AddressOfCallBacks);
-    while (callback && *callback)
-        (*callback++)(module, DLL_THREAD_DETACH, nullptr);
+// The C++ run-time that is linked in takes 72 KB at the start, for exceptions when memory has run out, and
+// leaves them to the end of the process. The process goes on without this library.
+static void GiveBackReserve() {
+#ifdef __GLIBCXX__
+    __gnu_cxx::__freeres();
+#endif
 }
 
 // Reads the working folder while it is still the host's own. Waits for nothing, at either end.
@@ -65,12 +73,13 @@ BOOL WINAPI DllMain(HINSTANCE module, DWORD reason, void* reserved) {
     if (reason == DLL_PROCESS_ATTACH) {
         DisableThreadLibraryCalls(module);
         Dravel::SetModule(module);
-        return Dravel::Guarded("DllMain", FALSE, [] { return Dravel::Plugin::Make(), TRUE; });
+        return Dravel::Shielded("DllMain", FALSE, [] { return Dravel::Plugin::Make(), TRUE; });
     }
     if (reason == DLL_PROCESS_DETACH && !reserved) {
         Dravel::Plugin::Unmake();
         Dravel::ReleaseModule();
-        LeaveThread(module);
+        Dravel::LeaveThread(module);
+        GiveBackReserve();
     }
     return TRUE;
 }

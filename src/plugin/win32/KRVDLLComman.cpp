@@ -42,7 +42,8 @@ void CKRVDLLComman::SetOwnCaptions(std::wstring first, std::wstring second) {
 
 std::uint32_t CKRVDLLComman::ShowMessageBox(void* owner, const wchar_t* text, const wchar_t* caption,
                                             std::uint32_t buttons, std::uint32_t icon,
-                                            std::uint32_t extraStyle, std::uint8_t remember, bool* checked) {
+                                            std::uint32_t extraStyle, std::uint8_t remember, bool* checked,
+                                            void** window) {
     const WaitCursor wait;
     bool state = false;
     KRVP_MSGBOXPARAMS params{};
@@ -52,6 +53,7 @@ std::uint32_t CKRVDLLComman::ShowMessageBox(void* owner, const wchar_t* text, co
     params.checkText = L" Don't Ask Again";  // with its leading blank
     params.checked = checked != nullptr ? checked : &state;
     params.instance = GetModuleHandleW(nullptr);
+    params.window = window;
     params.style = Dravel::MessageBoxStyle(buttons, icon, extraStyle, rightAligned_);
     if (buttons == static_cast<std::uint32_t>(Dravel::Buttons::Own)) {
         params.ownCaptions[0] = ownCaptions_[0].c_str();

@@ -54,16 +54,21 @@ Plugin::Plugin()
       host_(reinterpret_cast<std::uintptr_t>(&OnPluginMessage)),
       clients_(SystemFiles(), host_, folder_.FormatSets()),
       reportWindow_(SystemFiles(), user_),
-      entry_({host_, user_, SystemFiles(), SystemClock(), clients_, &ShowImportDialog, reportWindow_}) {}
+      entry_({host_, user_, SystemFiles(), SystemClock(), clients_, &ShowImportDialog, reportWindow_}),
+      waiting_(SystemFiles(), SystemClock(), log_, folder_.Data(), GetCurrentProcessId()),
+      left_(SystemFiles(), SystemClock(), log_, folder_.Data()) {}
 
 Plugin::OpenBook::OpenBook(Plugin& plugin)
     : logThread(plugin.log_),
+      guard(SystemFiles(), SystemClock(), plugin.log_, settings, plugin.folder_.Settings()),
       answers(settings),
       notices(SystemClock()),
       bar({plugin.host_, plugin.user_, plugin.entry_, SystemFiles(), SystemClock(), plugin.folder_, settings,
-           plugin.log_, notices},
-          [&plugin] { plugin.BarGone(); }) {
-    settings.LoadFile(SystemFiles(), plugin.folder_.Settings());
+           plugin.log_, notices, guard},
+          {[&plugin] { plugin.EnterWaiting(); }, [&plugin] { plugin.AskAboutLeft(); },
+           [&plugin] { plugin.BarGone(); }}) {
+    guard.Open();
+    guard.WhenKnown([&plugin] { plugin.SettingsCame(); });
 }
 
 void Plugin::ShowBar() {
@@ -76,29 +81,27 @@ void Plugin::ShowBar() {
 
     const ActivationScope activation;
     if (open_) {
+        open_->bar.Book().Securities().AskAgain();
         open_->bar.Show(true);
-        pending_.clear();
-        if (created_) {
-            open_->bar.Focus();
-            return;
-        }
+        if (BookThere()) waiting_.DiscardPending();
     } else {
         CreateBar();
-        if (!open_) return;
+        // The terminal may end the bar while it hears of the book.
+        if (open_) open_->bar.OpenBook();
     }
-    // The terminal may end the bar while it hears of the book.
-    open_->bar.LoadProperties(kGridKey);
-    if (!open_) return;
-    // What the terminal sends while it hears of them is no longer kept for later.
-    created_ = true;
-    HandOverPendingItems();
     if (open_) open_->bar.Focus();
+}
+
+void Plugin::SettingsCame() {
+    open_->bar.Post([this] {
+        open_->bar.TakePlace();
+        open_->bar.OpenBook();
+    });
 }
 
 void Plugin::CreateBar() {
     void* const frame = TerminalHost::MainFrame();
     const std::uint32_t identifier = host_.BarID(kBarTitle, kBarKey);
-    HoldLibrary();
     TellFrameOfLog(frame);
     open_ = std::make_unique<OpenBook>(*this);
     CDravelBar& bar = open_->bar;
@@ -127,8 +130,9 @@ void Plugin::BarGone() {
     if (!open_) return;
     ClosePopups();
     user_.Attach(nullptr, nullptr, nullptr, nullptr);
-    created_ = false;
     parting_ = true;
+    waiting_.BookGone();
+    left_.BookGone();
     // The bar may be gone under a box or a request of its own, which return to what it owned.
     struct Parting {
         Plugin& plugin;
@@ -142,39 +146,43 @@ void Plugin::LetGo(std::unique_ptr<OpenBook> gone) {
     gone.reset();
     log_.Tell({});
     parting_ = false;
-    ReleaseLibrary();
-}
-
-// While windows of the library live, the library must not go, even if the host frees it too early.
-void Plugin::HoldLibrary() {
-    HMODULE self;
-    GetModuleHandleExW(GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS, reinterpret_cast<LPCWSTR>(&Plugin::Instance),
-                       &self);
-}
-
-// Given back by the system when no code of ours runs any more on that thread: a FreeLibrary from here could
-// take away the code to which it returns.
-void Plugin::ReleaseLibrary() {
-    const auto release = [](PTP_CALLBACK_INSTANCE instance, void* self) {
-        FreeLibraryWhenCallbackReturns(instance, static_cast<HMODULE>(self));
-    };
-    TrySubmitThreadpoolCallback(release, Module(), nullptr);
 }
 
 void Plugin::PendingItems() {
-    if (open_ && created_) HandOverPendingItems();
+    if (BookThere()) EnterWaiting();
 }
 
-void Plugin::HandOverPendingItems() {
-    while (open_ && !pending_.empty()) {
-        TradeRecord item = pending_.front();
-        pending_.pop_front();
-        open_->bar.Book().Add(item);
+void Plugin::EnterWaiting() {
+    if (open_) waiting_.HandOver(open_->bar.Ledger(), waitingBook_);
+}
+
+// Trades of an earlier run. The question holds nothing up.
+void Plugin::AskAboutLeft() {
+    open_->bar.Post([this] { left_.Ask(user_, open_->bar.Ledger(), waitingBook_); });
+}
+
+bool Plugin::WaitingBook::Prepare(TradeRecord& record) {
+    if (plugin.open_ && !record.security)
+        record.security = plugin.open_->bar.Book().Securities().Find(record);
+    return plugin.open_ != nullptr;
+}
+
+std::uint64_t Plugin::WaitingBook::Revision() const {
+    return plugin.open_ ? plugin.open_->bar.Book().Revision() : 0;
+}
+
+void Plugin::WaitingBook::Enter(TradeRecord& record, const WaitingSource& source) {
+    TradeBook& book = plugin.open_->bar.Book();
+    const ChangeSource from{ChangeKind::Terminal, source.file, source.number};
+    if (source.kind == WaitingSource::Kind::Pending) {
+        book.Add(record, from);
+    } else {
+        book.AddFromHost(record, from);
     }
 }
 
 void Plugin::AskToSave() {
-    if (open_ && created_) open_->bar.AskToSaveWhenShown();
+    if (BookThere()) open_->bar.AskToSaveWhenShown();
 }
 
 void Plugin::EntryQuery() {
@@ -186,10 +194,10 @@ void Plugin::EntryQuery() {
 void Plugin::TradeFromHost(CTagMessageReader& trade) {
     TradeRecord record{};
     ReadTradeFrame(trade, record);
-    if (open_ && created_) {
+    if (BookThere()) {
         open_->bar.Book().AddFromHost(record);
     } else {
-        pending_.push_back(record);
+        waiting_.Take(record, open_ ? WaitingSource::Kind::HeldBack : WaitingSource::Kind::Pending);
     }
 }
 
@@ -197,7 +205,7 @@ void Plugin::SelectedContract(CTagMessageReader& query) {
     const std::uint64_t address = ReplyAddress(query);
     if (address == 0) return;
     CTagMessageWriter answer(msg::SelectedContractAnswer);
-    const CDravelGrid* const grid = open_ && created_ ? open_->bar.Grid() : nullptr;
+    const CDravelGrid* const grid = BookThere() ? open_->bar.Grid() : nullptr;
     const std::uint32_t row = grid ? grid->SelectedRow() : kNoRow;
     if (row != kNoRow) {
         const auto cell = [&](column::Index index) { return grid->Cell(row, index); };
@@ -206,7 +214,8 @@ void Plugin::SelectedContract(CTagMessageReader& query) {
         const SelectedCells cells{exchange, security, client, price};
         BuildSelectedContract(answer, &cells);
     }
-    Reply(address, answer);
+    if (!Reply(address, answer))
+        ReportFailure("SelectedContract", "The terminal's function for the answer failed.");
 }
 
 }  // namespace Dravel

@@ -1,13 +1,14 @@
 // The plug-in as a whole: what lives as long as the library, and what lives as long as its bar.
 #pragma once
 
-#include <deque>
 #include <memory>
 #include <utility>
 
 #include "entry/DlgImportReport.h"
 #include "entry/Entry.h"
+#include "plugin/LeftTrades.h"
 #include "plugin/MessageDispatch.h"
+#include "plugin/WaitingTrades.h"
 #include "plugin/win32/ScreenUser.h"
 #include "plugin/win32/TerminalHost.h"
 #include "support/DataFolder.h"
@@ -54,15 +55,26 @@ class Plugin final : public IPluginHandlers {
     };
 
     // Lives as long as the bar's window, and until the calls that are under way when that goes have ended.
-    // The bar is the last member because it uses the others.
+    // The bar stands behind what it uses.
     struct OpenBook {
         OpenBook(Plugin& plugin);
+        LibraryUse use;  // the host may free the library too early
         LogThread logThread;
         CrashDumpThread crashDumpThread;
         CVELTPXMLSettings settings;
+        SettingsGuard guard;
         RememberedAnswers answers;
         NoticeList notices;
         CDravelBar bar;
+    };
+
+    // The book that is open, as trades that waited enter it.
+    struct WaitingBook final : IWaitingBook {
+        explicit WaitingBook(Plugin& owner) : plugin(owner) {}
+        bool Prepare(TradeRecord& record) override;
+        std::uint64_t Revision() const override;
+        void Enter(TradeRecord& record, const WaitingSource& source) override;
+        Plugin& plugin;
     };
 
     Plugin();
@@ -70,9 +82,10 @@ class Plugin final : public IPluginHandlers {
     void TellFrameOfLog(void* frame);
     void BarGone();
     void LetGo(std::unique_ptr<OpenBook> gone);
-    void HandOverPendingItems();
-    void HoldLibrary();
-    void ReleaseLibrary();
+    bool BookThere() const { return open_ && open_->bar.BookThere(); }
+    void SettingsCame();
+    void EnterWaiting();
+    void AskAboutLeft();
 
     DataFolder folder_;
     CFileLog log_;
@@ -81,12 +94,13 @@ class Plugin final : public IPluginHandlers {
     ManualClients clients_;
     DlgImportReport reportWindow_;
     Entry entry_;
+    WaitingBook waitingBook_{*this};
+    WaitingTrades waiting_;  // that came while no book could take them
+    LeftTrades left_;        // of an earlier run
     std::unique_ptr<OpenBook> open_;
-    std::deque<TradeRecord> pending_;  // trades that came while there was no grid
-    bool watching_ = false;            // for crashes
-    bool showing_ = false;             // ShowBar runs
-    bool created_ = false;             // the bar is complete: later calls only show it
-    bool parting_ = false;             // the bar's window is gone, what it owned is not
+    bool watching_ = false;  // for crashes
+    bool showing_ = false;   // ShowBar runs
+    bool parting_ = false;   // the bar's window is gone, what it owned is not
 };
 
 }  // namespace Dravel

@@ -4,6 +4,7 @@
 
 #include "plugin/KRVDLLComman.h"
 #include "toolkit/AnsiText.h"
+#include "toolkit/MessageBox.h"
 #include "toolkit/PopupWindow.h"
 
 namespace Dravel {
@@ -24,6 +25,16 @@ std::uint32_t ScreenUser::Box(std::string_view text, std::string_view caption, B
         OwnerOfBox(window_), Widen(text).c_str(), Widen(caption).c_str(), static_cast<std::uint32_t>(buttons),
         static_cast<std::uint32_t>(icon), 0, remember, &dontAskAgain);
     if (dontAskAgain && answers_ && button != kAnswerCancel) answers_->Remember(caption, text, button);
+    return button;
+}
+
+std::uint32_t ScreenUser::Ask(std::string_view text, Buttons buttons, QuestionEnd& end) {
+    void* box = nullptr;
+    end.Opened([&box] { EndMessageBox(box); });
+    const std::uint32_t button = DLLComman().ShowMessageBox(
+        OwnerOfBox(window_), Widen(text).c_str(), L"Dravel", static_cast<std::uint32_t>(buttons),
+        static_cast<std::uint32_t>(Icon::Question), 0, 0, nullptr, &box);
+    end.Closed();
     return button;
 }
 

@@ -13,6 +13,7 @@ class ScreenUser final : public IUser {
  public:
     std::uint32_t Box(std::string_view text, std::string_view caption, Buttons buttons, Icon icon,
                       std::uint8_t remember) override;
+    std::uint32_t Ask(std::string_view text, Buttons buttons, QuestionEnd& end) override;
     void Notice(std::string_view text) override;
 
     // Where notices are logged and listed and "Don't Ask Again" is kept, and the window (HWND) that they

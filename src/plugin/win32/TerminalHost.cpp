@@ -6,9 +6,32 @@
 #include <string>
 
 #include "message/TagMessageWriter.h"
+#include "platform/Clock.h"
+#include "platform/ForeignCall.h"
 #include "plugin/KRVDLLComman.h"
+#include "toolkit/Module.h"
 
 namespace Dravel {
+
+static constexpr std::uint64_t kToldEvery = 60000;  // milliseconds
+
+void TerminalHost::TellFailure(Callback callback, std::uint32_t code) const {
+    const auto place = static_cast<std::size_t>(callback);
+    const std::uint64_t now = SystemClock().Ticks() + 1;
+    if (toldAt_[place] != 0 && now - toldAt_[place] < kToldEvery) return;
+    toldAt_[place] = now;
+    char what[96];
+    wsprintfA(what, "The terminal's function ended with exception %08X. It counts as without an answer.",
+              code);
+    ReportFailure(kCallbackNames[place], what);
+}
+
+template <class Work>
+bool TerminalHost::Call(Callback callback, const Work& work) const {
+    const ForeignEnd end = CallForeign(work);
+    if (!end.returned) TellFailure(callback, end.code);
+    return end.returned;
+}
 
 void TerminalHost::LoadMasterFile(IFiles& files, const std::filesystem::path& path, ILog& log) {
     using Outcome = SecurityMasterLoad::Outcome;
@@ -34,7 +57,8 @@ MasterAnswer TerminalHost::Ask(std::uint32_t kind, std::span<const char* const> 
     std::copy_n(texts.begin(), request.textCount, request.texts);
     const auto ask = DLLComman().GetMasterRequest();
     if (!ask) return master_.Answer(request);
-    ask(&request, 0, &answer);
+    // What it wrote before it failed is no answer.
+    if (!Call(Callback::GetMasterRequest, [&] { ask(&request, 0, &answer); })) return {};
     if (!answer.list) answer.count = 0;
     return answer;
 }
@@ -47,7 +71,7 @@ void TerminalHost::Send(CTagMessageWriter& frame) {
     const auto send = DLLComman().PluginDataSend();
     if (!send) return;
     frame.GetData();
-    if (frame.GetLength() != 0) send(&frame);
+    if (frame.GetLength() != 0) Call(Callback::PluginDataSend, [&] { send(&frame); });
 }
 
 bool TerminalHost::Listens() const {
@@ -55,12 +79,15 @@ bool TerminalHost::Listens() const {
 }
 
 void TerminalHost::Focus(void* window, int flag) {
-    if (const auto focus = DLLComman().ApplicationFocus()) focus(window, flag);
+    const auto focus = DLLComman().ApplicationFocus();
+    if (focus) Call(Callback::ApplicationFocus, [&] { focus(window, flag); });
 }
 
 std::uint32_t TerminalHost::BarID(const wchar_t* title, const wchar_t* key) const {
     const auto give = DLLComman().GetPluginBarID();
-    return give ? give(title, key) : 0;
+    std::uint32_t identifier = 0;
+    if (give) Call(Callback::GetPluginBarID, [&] { identifier = give(title, key); });
+    return identifier;
 }
 
 void* TerminalHost::MainFrame() {

@@ -1,16 +1,19 @@
 // The terminal as the domain sees it, over the callbacks that its executable exports.
 #pragma once
 
+#include <array>
 #include <cstdint>
 
 #include "host/Host.h"
+#include "plugin/HostCallbacks.h"
 #include "support/Log.h"
 #include "support/SecurityMaster.h"
 
 namespace Dravel {
 
 // User-interface thread. A callback that is not exported answers nothing; in the place of a missing
-// GetMasterRequest the terminal's master file is asked.
+// GetMasterRequest the terminal's master file is asked. One that throws or faults has answered nothing, which
+// is logged: at once, and then once in a minute for each callback, since an import may ask a million times.
 class TerminalHost final : public IHost {
  public:
     explicit TerminalHost(std::uint64_t messageEntry) : messageEntry_(messageEntry) {}
@@ -34,8 +37,14 @@ class TerminalHost final : public IHost {
     static void* MainFrame();
 
  private:
+    // False: the callback threw or faulted.
+    template <class Work>
+    bool Call(Callback callback, const Work& work) const;
+    void TellFailure(Callback callback, std::uint32_t code) const;
+
     std::uint64_t messageEntry_;
     SecurityMaster master_;  // trades keep its entries: never read anew
+    mutable std::array<std::uint64_t, kCallbackNames.size()> toldAt_{};  // ticks; 0: not yet
 };
 
 }  // namespace Dravel

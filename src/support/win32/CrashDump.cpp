@@ -9,6 +9,8 @@
 #include <csignal>
 #include <string>
 
+#include "platform/LongPath.h"
+
 namespace Dravel {
 
 namespace {
@@ -117,7 +119,7 @@ WriteDumpFunction FindWriteDump() {
 }  // namespace
 
 void InstallCrashDump(const std::filesystem::path& folder) {
-    const std::wstring text = std::filesystem::absolute(folder).wstring() + L'\\';
+    const std::wstring text = LongPathForm(std::filesystem::absolute(folder).wstring()) + L'\\';
     if (g_state.installed || text.size() > kFolderRoom) return;
     text.copy(g_state.path, text.size());
     g_state.folderLength = text.size();

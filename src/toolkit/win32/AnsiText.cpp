@@ -12,12 +12,14 @@ int Units(std::size_t length) {
     return static_cast<int>(std::min<std::size_t>(length, std::numeric_limits<int>::max()));
 }
 
-std::string Bytes(UINT page, std::wstring_view text) {
+// Code pages that take no such flags refuse them: UTF-8 among them, which needs none.
+std::string Bytes(UINT page, DWORD flags, std::wstring_view text) {
     if (text.empty()) return {};
     const int count =
-        WideCharToMultiByte(page, 0, text.data(), Units(text.size()), nullptr, 0, nullptr, nullptr);
+        WideCharToMultiByte(page, flags, text.data(), Units(text.size()), nullptr, 0, nullptr, nullptr);
+    if (count == 0 && flags != 0) return Bytes(page, 0, text);
     std::string bytes(static_cast<std::size_t>(count), '\0');
-    WideCharToMultiByte(page, 0, text.data(), Units(text.size()), bytes.data(), count, nullptr, nullptr);
+    WideCharToMultiByte(page, flags, text.data(), Units(text.size()), bytes.data(), count, nullptr, nullptr);
     return bytes;
 }
 
@@ -41,11 +43,12 @@ std::wstring Widen(std::string_view text) {
 }
 
 std::string Narrow(std::wstring_view text) {
-    return Bytes(CP_ACP, text);
+    // Or the infinity sign would become an 8.
+    return Bytes(CP_ACP, WC_NO_BEST_FIT_CHARS, text);
 }
 
 std::string Utf8(std::wstring_view text) {
-    return Bytes(CP_UTF8, text);
+    return Bytes(CP_UTF8, 0, text);
 }
 
 std::wstring FromUtf8(std::string_view text) {

@@ -19,8 +19,9 @@ class GridEditor {
     // Over the current cell. `typed`: the character that opened it, in place of the cell's text; 0: none.
     // False: the cell is not to be edited.
     bool Open(wchar_t typed);
-    // False: the owner refused the text, the editor stays.
-    bool Close(bool commit);
+    void OpenWithList();  // the list only where there is one
+    // False: the owner refused the text, the editor stays. `byKey`: the user ends it by a key of the editor.
+    bool Close(bool commit, bool byKey = false);
     // The window goes, and nobody is asked or told.
     void Drop();
     void Layout();  // after the view moved
@@ -31,6 +32,7 @@ class GridEditor {
     // Where the button stands, empty without one.
     Dravel::Rect Button() const;
     void Refocus();
+    bool EndsByKey() const { return byKey_; }
 
  private:
     static LRESULT CALLBACK Procedure(HWND window, UINT message, WPARAM wparam, LPARAM lparam, UINT_PTR id,
@@ -47,6 +49,7 @@ class GridEditor {
     void TakeChosen();
     void SetText(const std::wstring& text, int selectFrom);
     std::wstring Text() const;
+    std::string Bytes() const;
     bool HasButton() const { return kind_ == Dravel::GridEditKind::Choice; }
 
     CKRVPGridCtrl& grid_;
@@ -54,9 +57,12 @@ class GridEditor {
     HWND field_ = nullptr;
     RECT place_{};
     Dravel::GridEditKind kind_ = Dravel::GridEditKind::Text;
+    std::string opened_;    // the cell's text as it was handed over
+    std::wstring shown_;    // what the field made of it
     std::string typed_;     // what the user typed, without what type-ahead added
     bool fetched_ = false;  // the choices are those of typed_
     bool erasing_ = false;  // the last key took something away: no type-ahead
     bool writing_ = false;  // a text that the editor itself sets
     bool closing_ = false;
+    bool byKey_ = false;  // the end that the owner is asked about
 };

@@ -29,6 +29,11 @@ inline constexpr UINT kGridRefocus = WM_APP + 0x31;
 inline bool IsStrayCharacter(WPARAM unit) {
     return unit == 127 || (unit < ' ' && unit != 3 && unit != 8 && unit != 22 && unit != 24 && unit != 26);
 }
+// Keys that open the list of a cell, and close it.
+inline bool OpensList(std::uint32_t key, GridModifierKeys held) {
+    if (key == VK_F4) return held == GridModifierKeys{};
+    return held == GridModifierKeys{.alt = true} && (key == VK_DOWN || key == VK_UP);
+}
 // Keys that edit a field's text; any other may be a command of the grid.
 inline bool EditsText(WPARAM key, GridModifierKeys held) {
     if (key == VK_DELETE || key == VK_INSERT || key == VK_BACK) return true;
@@ -79,7 +84,8 @@ struct CKRVPGridCtrl::State {
     bool inScrollBars = false;
     bool stale = false;  // changed between BeginUpdate and EndUpdate
 
-    std::string ansi;  // buffers of a cell's text
+    std::wstring instead;  // stands in the place of the rows
+    std::string ansi;      // buffers of a cell's text
     std::wstring wide;
 };
 
@@ -125,6 +131,8 @@ struct GridInput {
     void Begin(Dravel::GridDrag kind, int column, int x);
     void DropHeader(int column, int mark);
     bool Accelerator(std::uint32_t key, Dravel::GridModifierKeys modifiers);
+    void UseAlt(UINT message, std::uint32_t key, LPARAM lparam) const;
+    bool ListKey(std::uint32_t key, Dravel::GridModifierKeys modifiers);
     bool KeyDown(UINT message, std::uint32_t key, LPARAM lparam);
     bool ModelKey(std::uint32_t key, Dravel::GridModifierKeys modifiers);
     bool LeaveKey(std::uint32_t key);
@@ -134,6 +142,8 @@ struct GridInput {
 // Painting half.
 struct GridPaint {
     static void Paint(CKRVPGridCtrl& grid, HDC screen, const RECT& dirty);
+    // Draws what stands in the place of the rows, if anything does.
+    static void Instead(const CKRVPGridCtrl::State& state, HDC device, const RECT& rows);
 };
 
 // Width in pixels that a text takes in the grid's font.

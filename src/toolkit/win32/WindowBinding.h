@@ -12,6 +12,7 @@ namespace Dravel {
 // object may be deleted inside HandleMessage(WM_NCDESTROY).
 template <class T>
 LRESULT CALLBACK BoundProcedure(HWND window, UINT message, WPARAM wparam, LPARAM lparam) noexcept {
+    const LibraryUse use;
     if (message == WM_NCCREATE) {
         const auto* create = reinterpret_cast<const CREATESTRUCTW*>(lparam);
         SetWindowLongPtrW(window, GWLP_USERDATA, reinterpret_cast<LONG_PTR>(create->lpCreateParams));

@@ -38,6 +38,18 @@ std::string_view TakeLevel(std::string_view& key) {
     return level;
 }
 
+void LayNodeOver(CVELTPXMLNode& below, const CVELTPXMLNode& changes) {
+    for (const auto& change : changes.Children()) {
+        CVELTPXMLNode* known = below.Find(change->Name());
+        if (known == nullptr) known = &below.Append(change->Name());
+        if (!change->Children().empty()) {
+            if (known->Value().empty()) LayNodeOver(*known, *change);
+        } else if (known->Children().empty()) {
+            known->SetValue(change->Value());
+        }
+    }
+}
+
 }  // namespace
 
 CVELTPXMLNode* CVELTPXMLNode::Find(std::string_view name) const {
@@ -48,7 +60,7 @@ CVELTPXMLNode* CVELTPXMLNode::Find(std::string_view name) const {
 
 CVELTPXMLNode& CVELTPXMLNode::Append(std::string name) {
     value_.clear();
-    return *children_.emplace_back(std::make_unique<CVELTPXMLNode>(std::move(name), this));
+    return *children_.emplace_back(std::make_unique<CVELTPXMLNode>(std::move(name)));
 }
 
 CVELTPXMLSettings::CVELTPXMLSettings(Hive hive)
@@ -140,9 +152,10 @@ bool CVELTPXMLSettings::ReadColour(std::string_view name, std::uint32_t& colour)
 
 bool CVELTPXMLSettings::ReadBinary(std::string_view name, std::vector<std::uint8_t>& bytes) const {
     const std::string* text = Find(name);
-    if (text == nullptr || text->size() % 2 != 0) return false;
+    if (text == nullptr) return false;
     std::vector<std::uint8_t> read;
     read.reserve(text->size() / 2);
+    // A single digit at the end meets the text's closing zero, which is no digit.
     for (std::size_t i = 0; i < text->size(); i += 2) {
         const int high = HexValue((*text)[i]), low = HexValue((*text)[i + 1]);
         if (high < 0 || low < 0) return false;
@@ -168,6 +181,17 @@ bool CVELTPXMLSettings::LoadTextForm(std::string_view text) {
     currentUser_ = std::move(root);
     current_ = nullptr;
     return true;
+}
+
+bool CVELTPXMLSettings::IsWhole(std::string_view text) {
+    const std::string end = "</" + std::string(VELTPXMLText::kRootName) + ">";
+    const std::size_t last = text.find_last_not_of(" \t\r\n");
+    return last != text.npos && text.substr(0, last + 1).ends_with(end);
+}
+
+void CVELTPXMLSettings::LayOver(const CVELTPXMLSettings& changes) {
+    LayNodeOver(*currentUser_, *changes.currentUser_);
+    current_ = nullptr;
 }
 
 std::string CVELTPXMLSettings::TextForm() const {

@@ -15,13 +15,11 @@
 // A named element: a value, or children in order. Owns its children.
 class CVELTPXMLNode {
  public:
-    explicit CVELTPXMLNode(std::string name, CVELTPXMLNode* parent = nullptr)
-        : name_(std::move(name)), parent_(parent) {}
+    explicit CVELTPXMLNode(std::string name) : name_(std::move(name)) {}
 
     const std::string& Name() const { return name_; }
     const std::string& Value() const { return value_; }
     void SetValue(std::string_view value) { value_ = value; }
-    CVELTPXMLNode* Parent() const { return parent_; }
     const std::vector<std::unique_ptr<CVELTPXMLNode>>& Children() const { return children_; }
 
     // The first child of that name, or nullptr. `name` has no blanks.
@@ -33,7 +31,6 @@ class CVELTPXMLNode {
     std::string name_;
     std::string value_;
     std::vector<std::unique_ptr<CVELTPXMLNode>> children_;
-    CVELTPXMLNode* parent_;
 };
 
 // Two trees are held, as the registry has two hives; only CURRENT_USER goes to the file. Blanks are removed
@@ -49,7 +46,6 @@ class CVELTPXMLSettings final : public CKRVPRegistry {
 
     // While read-only, every write and the making of keys fails.
     void SetReadOnly(bool readOnly) { readOnly_ = readOnly; }
-    bool ReadOnly() const { return readOnly_; }
 
     bool Open(std::string_view key) override;
     bool CreateKey(std::string_view key) override;
@@ -75,6 +71,12 @@ class CVELTPXMLSettings final : public CKRVPRegistry {
 
     // The text of the file, with LF; the CURRENT_USER tree.
     bool LoadTextForm(std::string_view text);
+    // Whether the text ends as a file does that was written to its end. One that was cut short loads all the
+    // same, without what stood behind the cut.
+    static bool IsWhole(std::string_view text);
+    // Puts every value of `changes` into this store; where one of the two has a key and the other a value of
+    // that name, this store's stays. No key is open afterwards.
+    void LayOver(const CVELTPXMLSettings& changes);
     std::string TextForm() const;
 
     const CVELTPXMLNode& CurrentUser() const { return *currentUser_; }

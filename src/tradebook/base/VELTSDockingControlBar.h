@@ -4,11 +4,10 @@
 
 #include <functional>
 #include <string_view>
-#include <vector>
 
 #include "host/Host.h"
-#include "platform/Lock.h"
 #include "toolkit/DockingBar.h"
+#include "tradebook/base/PostedWork.h"
 #include "tradebook/base/UiThread.h"
 
 class CVELTSDockingControlBar : public CKRVPDockingControlBar, public Dravel::IUiThread {
@@ -36,10 +35,6 @@ class CVELTSDockingControlBar : public CKRVPDockingControlBar, public Dravel::IU
     Dravel::IHost& host_;
 
  private:
-    void RunPosted();
-
-    KRV::Thread::CKRVLock lock_;  // guards posted_ and target_
-    std::vector<std::function<void()>> posted_;
-    bool closed_ = false;
+    Dravel::PostedWork posted_;
     bool loadingProperties_ = false, propertiesLoaded_ = false;
 };

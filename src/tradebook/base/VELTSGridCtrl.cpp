@@ -27,6 +27,19 @@ void CVELTSGridCtrl::RestoreColumnOrder() {
     }
 }
 
+void CVELTSGridCtrl::RetryProfile() {
+    if (profile_ == nullptr || Editing()) return;
+    bool multipleSort = MultipleSort();
+    if (profile_->Retry(MutableModel(), multipleSort)) {
+        EnableMultipleSort(multipleSort);
+        ModelChanged();
+        OnGroupsChanged();
+    }
+    const std::string notice = profile_->TakeNotice();
+    if (Dravel::IUser* user = User(); user != nullptr && !notice.empty()) user->Notice(notice);
+}
+
 bool CVELTSGridCtrl::SaveProfile() {
+    RetryProfile();
     return profile_ == nullptr || profile_->Save(Model(), MultipleSort());
 }

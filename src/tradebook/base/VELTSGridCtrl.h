@@ -35,6 +35,9 @@ class CVELTSGridCtrl : public CKRVPGridCtrl {
     // Writes the user's layout of the columns. False: the file could not be written. Nothing without a
     // profile.
     virtual bool SaveProfile();
+    // Reads a profile that could not be read before and takes the user's layout over, unless a cell is open;
+    // tells the user about a damaged one.
+    void RetryProfile();
 
  protected:
     // The making of the columns, in this order: LoadProfile, LoadMultipleSort, AddColumn for each, and
