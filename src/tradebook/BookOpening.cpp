@@ -183,7 +183,8 @@ void BookOpening::Become(BookState state, std::string reason) {
 std::string BookOpening::Refusal() const {
     switch (state_) {
         case BookState::Loading:
-            return "The book is being loaded.";
+            return step_ == kReporting ? "The settings cannot be read yet. The book opens when they can."
+                                       : "The book is being loaded.";
         case BookState::Trying:
             return reason_;
         case BookState::ShownOnly:

@@ -38,12 +38,7 @@ void CDravelGrid::ChooseFields() {
     CFieldChoose(*this, kTradeBookGrid).Open(Window());
 }
 
-// Before the settings are known these would be the defaults, to be written over what the user chose.
 void CDravelGrid::EditProperties() {
-    if (!context_.guard.Known()) {
-        user_.Notice("The settings cannot be read yet. The properties can be changed when they are there.");
-        return;
-    }
     DlgGridProperties dialog(properties_, GridFont(),
                              [this](const PropertyChange& change) { PropertyChanged(change); });
     dialog.Open(Window());
