@@ -92,9 +92,10 @@ windows() {
   trap stop_wine EXIT
   start_xvfb && start_wine "$PWD/build/wine-beside" desktop
   windows tests/gui/{grid,import}-*.script
-  check "the demo's two days" tools/demo/demo.sh build/windows-checked build/windows-checked/demo/stage build/windows-checked/demo/out
+  check "the demo's days" tools/demo/demo.sh build/windows-checked build/windows-checked/demo/stage build/windows-checked/demo/out
   check "a crash leaves a minidump" tests/crash-dumps.sh build/windows-checked
   check "a kill loses no trade that waits" tests/waiting-trades.sh build/windows-checked
+  check "twenty kills lose nothing half a second old" tests/journal-kills.sh build/windows-checked
   check "package: install, update, refuse, uninstall, unzip" packaging/test-package.sh build/windows-checked
   echo "that was beside"
 ) >build/logs/beside.txt 2>&1 &

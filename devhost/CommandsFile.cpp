@@ -148,52 +148,54 @@ void Hold(Stage& stage, const Words& words) {
         },
         "the file cannot be opened");
     kept.insert({path, file});
-    // Another terminal in the same folder, which carries out a script of its own.
-    HANDLE otherTerminal = nullptr;
+}
 
-    void StartTerminal(Stage & stage, const Words& words) {
-        wchar_t self[MAX_PATH];
-        if (GetModuleFileNameW(nullptr, self, MAX_PATH) == MAX_PATH) Fail("the program's path is too long");
-        const fs::path out = stage.File("other");
-        fs::create_directories(out);
-        std::wstring line = L"\"" + std::wstring(self) + L"\" --script \"" +
-                            (stage.scriptFolder / OfProgram(words[0])).native() + L"\" --out \"" +
-                            out.native() + L"\"";
-        STARTUPINFOW startup{};
-        startup.cb = sizeof startup;
-        PROCESS_INFORMATION made{};
-        if (!CreateProcessW(self, line.data(), nullptr, nullptr, FALSE, 0, nullptr, nullptr, &startup, &made))
-            Fail("it does not start");
-        CloseHandle(made.hThread);
-        otherTerminal = made.hProcess;
-    }
+// Another terminal in the same folder, which carries out a script of its own.
+HANDLE otherTerminal = nullptr;
 
-    void WaitTerminal(Stage & stage, const Words&) {
-        if (!otherTerminal) Fail("there is none");
-        stage.Until([] { return WaitForSingleObject(otherTerminal, 0) == WAIT_OBJECT_0; }, "it still runs");
-        DWORD code = 1;
-        GetExitCodeProcess(otherTerminal, &code);
-        CloseHandle(otherTerminal);
-        otherTerminal = nullptr;
-        if (code != 0) Fail("its script failed, see other\\script.log");
-    }
+void StartTerminal(Stage& stage, const Words& words) {
+    wchar_t self[MAX_PATH];
+    if (GetModuleFileNameW(nullptr, self, MAX_PATH) == MAX_PATH) Fail("the program's path is too long");
+    const fs::path out = stage.File("other");
+    fs::create_directories(out);
+    std::wstring line = L"\"" + std::wstring(self) + L"\" --script \"" +
+                        (stage.scriptFolder / OfProgram(words[0])).native() + L"\" --out \"" + out.native() +
+                        L"\"";
+    STARTUPINFOW startup{};
+    startup.cb = sizeof startup;
+    PROCESS_INFORMATION made{};
+    if (!CreateProcessW(self, line.data(), nullptr, nullptr, FALSE, 0, nullptr, nullptr, &startup, &made))
+        Fail("it does not start");
+    CloseHandle(made.hThread);
+    otherTerminal = made.hProcess;
+}
 
-    constexpr CommandEntry kCommands[] = {
-        {"expect-in-file", "PATH TEXT", 2, 2, ExpectInFile},
-        {"same-file", "FILE EXPECTED", 2, 2, SameFile},
-        {"put-file", "PATH TEXT", 2, 2, PutFile},
-        {"replace-in-file", "PATH TEXT WITH", 3, 3, ReplaceInFile},
-        {"remove-file", "PATH", 1, 1, RemoveFile},
-        {"copy-file", "PATH FILE", 2, 2, CopyFileCommand},
-        {"save-as", "FILE", 1, 1, SaveAs},
-        {"file-dialog", "PATH", 1, 1, FileDialog},
-        {"hold-file", "PATH [alone]", 1, 2, HoldFile},
-        {"start-terminal", "SCRIPT", 1, 1, StartTerminal},
-        {"wait-terminal", "", 0, 0, WaitTerminal},
-        {"release-file", "", 0, 0, ReleaseFile},
-        {"hold", "PATH", 1, 1, Hold},
-        {"let-go", "PATH", 1, 1, LetGo},
-    };
+void WaitTerminal(Stage& stage, const Words&) {
+    if (!otherTerminal) Fail("there is none");
+    stage.Until([] { return WaitForSingleObject(otherTerminal, 0) == WAIT_OBJECT_0; }, "it still runs");
+    DWORD code = 1;
+    GetExitCodeProcess(otherTerminal, &code);
+    CloseHandle(otherTerminal);
+    otherTerminal = nullptr;
+    if (code != 0) Fail("its script failed, see other\\script.log");
+}
+
+constexpr CommandEntry kCommands[] = {
+    {"expect-in-file", "PATH TEXT", 2, 2, ExpectInFile},
+    {"same-file", "FILE EXPECTED", 2, 2, SameFile},
+    {"put-file", "PATH TEXT", 2, 2, PutFile},
+    {"replace-in-file", "PATH TEXT WITH", 3, 3, ReplaceInFile},
+    {"remove-file", "PATH", 1, 1, RemoveFile},
+    {"copy-file", "PATH FILE", 2, 2, CopyFileCommand},
+    {"save-as", "FILE", 1, 1, SaveAs},
+    {"file-dialog", "PATH", 1, 1, FileDialog},
+    {"hold-file", "PATH [alone]", 1, 2, HoldFile},
+    {"start-terminal", "SCRIPT", 1, 1, StartTerminal},
+    {"wait-terminal", "", 0, 0, WaitTerminal},
+    {"release-file", "", 0, 0, ReleaseFile},
+    {"hold", "PATH", 1, 1, Hold},
+    {"let-go", "PATH", 1, 1, LetGo},
+};
 
 }  // namespace
 

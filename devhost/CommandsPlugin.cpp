@@ -202,13 +202,30 @@ void Kill() {
     TerminateProcess(GetCurrentProcess(), 9);
 }
 
+// A terminal that ends without a WM_CLOSE: whoever asks something then gets no answer.
+void DestroyFrameAfterQuit() {
+    PostQuitMessage(0);
+    HWND frame = nullptr;
+    EnumThreadWindows(
+        GetCurrentThreadId(),
+        [](HWND window, LPARAM found) -> BOOL {
+            if (!IsWindowVisible(window) || GetWindow(window, GW_OWNER)) return TRUE;
+            *reinterpret_cast<HWND*>(found) = window;
+            return FALSE;
+        },
+        reinterpret_cast<LPARAM>(&frame));
+    DestroyWindow(frame);
+    ExitProcess(6);
+}
+
 constexpr struct {
     std::string_view name;
     void (*crash)();
 } kCrashes[] = {{"access-violation", AccessViolation},
                 {"throw", Throw},
                 {"stack-overflow", StackOverflow},
-                {"kill", Kill}};
+                {"kill", Kill},
+                {"quit", DestroyFrameAfterQuit}};
 
 void Crash(Stage& stage, const Words& words) {
     for (const auto& kind : kCrashes) {
@@ -239,7 +256,7 @@ constexpr CommandEntry kCommands[] = {
     {"master-answers", "normal|nothing|no-list|nulls|long [MILLISECONDS]", 1, 2, MasterAnswers},
     {"callbacks", "work|throw|fault|round-up [NAME]", 1, 2, CallbacksEnd},
     {"make-contracts", "COUNT", 1, 1, MakeContracts},
-    {"crash", "access-violation|throw|stack-overflow", 1, 1, Crash},
+    {"crash", "access-violation|throw|stack-overflow|kill|quit", 1, 1, Crash},
 };
 
 }  // namespace

@@ -93,7 +93,8 @@ TEST(BookSave, CrashedAtEveryByteAndOperationItReopens) {
             ASSERT_TRUE(Same(found, old) || Same(found, fresh)) << at;
             (Same(found, old) ? olds : news) += 1;
             ASSERT_TRUE(rig.Save(fresh)) << "what the crash left behind is in nobody's way";
-            ASSERT_EQ(rig.disk.Names(), rig.NamesAfterASave());
+            ASSERT_TRUE(Same(rig.Reopen(), fresh));
+            ASSERT_EQ(rig.disk.Names(), rig.NamesOfAnOpenBook());
         }
     }
     EXPECT_GT(olds, 0u);

@@ -78,7 +78,7 @@ TEST_F(ImportDialogs, ASaveOfABookThatIsNotOpenFailsAloud) {
     user.answers = {kAnswerYes};
     entry.AskToSave();
     entry.Save();
-    const std::string failed = "Dravel|Dravel Save Failed\nThe book was not opened to its end.";
+    const std::string failed = "Dravel|Dravel Save Failed\nThe book is closed.";
     EXPECT_EQ(user.boxes, (Strings{"Dravel|Do you want to save Dravel", failed, failed}));
 }
 

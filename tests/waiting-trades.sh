@@ -26,12 +26,13 @@ run fresh load "send-trade 20" "crash kill"
 [ "$(waiting)" = 1 ] || { echo "no file of the killed process"; failed=1; }
 run cancelled load open "expect-box Dravel \"$question\" Cancel" "expect-rows 0" "count-frames TradeReport 0" close-frame unload
 expect $? cancelled
+# Killed as soon as they are in: the journal has them, so nobody is asked about them again.
 run added load open "wait-dialog Dravel" "screenshot waiting.png" "expect-box Dravel \"$question\" Yes" "expect-rows 20" \
-  "count-frames TradeReport 20" "count-frames SecondTradeReport 0" "crash kill"
-run again load open "expect-box Dravel \"$question\" Yes" "expect-rows 20" "command save" \
-  "wait-notice \"Dravel Save Successfully\"" close-frame unload
+  "count-frames TradeReport 20" "count-frames SecondTradeReport 0" "pause 700" "crash kill"
+run again load open "expect-rows 20" "wait-notice \"20 changes since the last save were restored\"" "pause 300" no-dialogs \
+  "command save" "wait-notice \"Dravel Save Successfully\"" close-frame unload
 expect $? again
-[ "$(waiting)" = 0 ] || { echo "the file stays although the book is saved"; failed=1; }
+[ "$(waiting)" = 0 ] || { echo "the file stays although the journal has its trades"; failed=1; }
 run last load open "expect-rows 20" "no-dialogs" close-frame unload
 expect $? last
 exit $failed

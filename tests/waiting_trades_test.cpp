@@ -113,7 +113,7 @@ struct Process final : IWaitingLedger, IWaitingBook {
     std::vector<std::function<void()>> callbacks;
     Quantities pending, heldBack;
     int closed = 0;
-    bool throws = false;  // at the next trade
+    bool throws = false;           // at the next trade
     std::size_t room = 1'000'000;  // trades until the terminal ends the book
 };
 

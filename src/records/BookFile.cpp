@@ -83,7 +83,7 @@ bool BookFile::Owned() {
 // The file first: who owns the book next must find it free.
 void BookFile::Release() {
     const std::lock_guard guard(lock_);
-    if (owner_) sums_.Release();
+    if (owner_) sums_.Settle();
     stream_.reset();
     owner_.reset();
 }
@@ -94,12 +94,21 @@ KRV::VELT::TradeLoadReport BookFile::LoadBook(KRV::VELT::TradeSink sink) {
     sums_.Read();
     writtenHere_ = sums_.Known();
     KRV::VELT::TradeLoadReport report = LoadInto(std::move(sink));
-    if (report.complete && !sums_.Fits(loadedSum_)) report = FindChanged(report);
+    if (report.complete && !IsAsSaved()) report = FindChanged(report);
     sums_.EndRead();
+    if (owner_) sums_.Settle();
     holdsUnread_ = !report.Clean();
     if (!report.Clean()) LogDamage(log_, report, damaged_);
     damaged_ = {};
     return report;
+}
+
+// Who only looks on reads the sums again: the owner may have saved between them and the book.
+bool BookFile::IsAsSaved() {
+    if (sums_.Fits(loadedSum_)) return true;
+    if (owner_) return false;
+    sums_.Read();
+    return sums_.Fits(loadedSum_);
 }
 
 // Reads the file once more for the frames that were not saved so: only a file that does not fit its sums pays

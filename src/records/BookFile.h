@@ -86,6 +86,7 @@ class BookFile final : public KRV::VELT::CKRVTradeImpl {
 
  private:
     BookClaim NotOurs(const FileStatus& status);
+    bool IsAsSaved();
     KRV::VELT::TradeLoadReport FindChanged(const KRV::VELT::TradeLoadReport& loaded);
     SaveResult SaveLocked(const BookImage& image);
     SaveResult SwapIn();

@@ -205,23 +205,28 @@ void BookSums::AfterSwap(bool swapped) noexcept {
     if (swapped) {
         fits_ = written_;
         misleading_ = fits_ == kNone && slots_[kInPlace].there;
+    } else if (written_ != kNone) {
+        Try([&] { RemoveSlot(written_); });
     }
-    if (written_ != kNone) Try([&] { swapped ? Rename() : RemoveSlot(written_); });
+}
+
+void BookSums::Settle() noexcept {
+    if (misleading_) Try([&] { RemoveSlot(kInPlace); });
+    misleading_ = misleading_ && slots_[kInPlace].there;
+    if (fits_ != kNone) Try([&] { Rename(); });
 }
 
 // Where the name cannot be had, the sums count under the one that they have.
 void BookSums::Rename() {
-    if (const FileStatus status = files_.Replace(slots_[fits_].path, slots_[kInPlace].path); !status)
-        return LogFault("The sums could not be renamed", status);
-    slots_[fits_].there = false;
-    slots_[kInPlace].there = true;
-    fits_ = kInPlace;
+    if (fits_ != kInPlace) {
+        const FileStatus status = files_.Replace(slots_[fits_].path, slots_[kInPlace].path);
+        if (!status) return LogFault("The sums could not be renamed", status);
+        slots_[fits_].there = false;
+        slots_[kInPlace].there = true;
+        fits_ = kInPlace;
+    }
     for (std::size_t i = kInPlace + 1; i < kSlots; ++i)
         RemoveSlot(i);
-}
-
-void BookSums::Release() noexcept {
-    if (misleading_) Try([&] { RemoveSlot(kInPlace); });
 }
 
 // What cannot be removed is emptied: that needs other rights, and empty sums say nothing.

@@ -32,11 +32,12 @@ class SavedFrames {
     std::uint64_t saved_ = 0, found_ = 0;
 };
 
-// The sums of one book. The new ones are written under another name before the book is swapped and renamed
-// after it, so that at every moment one of the files fits the book. Only `<book>.sums` itself may say that a
-// book was changed: the other names may hold the sums of a save that did not come to its end.
-// Guarded by the book file's lock. No operation throws; what fails is logged and costs the sums, never the
-// save.
+// The sums of one book. Those of a save are written under one of two other names before the book is swapped,
+// in turn, so that at every moment one of the files fits the book; they get the sums' own name when the book
+// is opened or given back, because to rename them at each save would cost it a quarter of its time. Only
+// `<book>.sums` itself may say that a book was changed: the other names may hold the sums of a save that did
+// not come to its end.
+// Guarded by the book file's lock. What fails is logged and costs the sums, never the save.
 class BookSums {
  public:
     // `book`: the path of the book's file without its ending.
@@ -62,12 +63,10 @@ class BookSums {
     void BeforeSwap() noexcept;
     void AfterSwap(bool swapped) noexcept;
 
-    // Tries once more to take misleading sums away.
-    void Release() noexcept;
+    // When the book was opened or is given back: gives the sums that fit their name, takes the others away.
+    void Settle() noexcept;
 
  private:
-    // Two names besides the sums' own: one of them may be in use for good when the file in place can be
-    // neither replaced nor removed.
     static constexpr std::size_t kInPlace = 0, kSlots = 3, kNone = kSlots;
     struct Slot {
         std::filesystem::path path;

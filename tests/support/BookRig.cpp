@@ -93,7 +93,7 @@ std::vector<std::string> BookRig::Backups() const {
     return backups;
 }
 
-std::vector<std::string> BookRig::NamesAfterASave() const {
+std::vector<std::string> BookRig::NamesOfAnOpenBook() const {
     std::vector<std::string> names;
     for (const std::string& backup : Backups()) {
         names.push_back("Data/Backup/" + backup);

@@ -63,8 +63,8 @@ struct BookRig {
         file.reset();
     }
     std::vector<std::string> Backups() const;
-    // What lies on the disk while the book is open and nothing has gone wrong.
-    std::vector<std::string> NamesAfterASave() const;
+    // What lies on the disk when the book was opened and nothing is left over.
+    std::vector<std::string> NamesOfAnOpenBook() const;
 };
 
 // The trades in the bytes of a record file.

@@ -128,7 +128,8 @@ FileStatus FaultFiles::WriteByte(Node& node, std::uint64_t at, std::uint8_t byte
 
 // All in one go, when no single byte matters to anybody.
 bool FaultFiles::WriteBlock(Node& node, std::size_t at, const std::uint8_t* bytes, std::size_t count) {
-    if (dead_ || watch || plan.crashAtByte != kNever || plan.bytesLeft != kNever) return false;
+    if (dead_ || watch || plan.crashAtByte != kNever || plan.bytesLeft != kNever || plan.loseAtByte != kNever)
+        return false;
     written_ += count;
     if (node.bytes.size() < at + count) node.bytes.resize(at + count);
     std::copy_n(bytes, count, node.bytes.begin() + static_cast<std::ptrdiff_t>(at));

@@ -54,7 +54,7 @@ class FakeBook final : public ITradeSink {
         return all;
     }
     std::vector<TradeRecord> trades;
-    ChangeSource source;          // of the last trade
+    ChangeSource source;                                          // of the last trade
     std::map<std::string, const SecurityMasterEntry*> contracts;  // by SecurityID
     std::function<void()> onAdd;  // as the terminal may call back when it is told
     int batches = 0;              // that are open

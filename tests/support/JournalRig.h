@@ -17,12 +17,17 @@ namespace Dravel::Test {
 
 inline const char kJournal[] = "Data/DravelBook_Dravel.journal";
 
-// What a dealer would see.
+// What a dealer would see: the rows in their order, every byte of them, and the texts of each row being
+// typed.
 struct BookState {
-    std::vector<std::string> rows;                // the bytes of each record
-    std::map<std::uint32_t, std::string> drafts;  // the texts of each row being typed
+    FileSum rows;
+    std::string drafts;
     bool operator==(const BookState&) const = default;
 };
+inline BookState StateOf(const std::vector<TradeRecord>& rows) {
+    return {{rows.size() * sizeof(TradeRecord), Checksum(rows.data(), rows.size() * sizeof(TradeRecord))},
+            {}};
+}
 
 struct JournalRig {
     FakeClock clock;
@@ -95,14 +100,14 @@ struct JournalRig {
         Drop();
     }
     BookState State() const {
-        BookState state;
+        std::vector<TradeRecord> rows;
         for (std::uint32_t row = 0; row < book->RowCount(); ++row)
-            state.rows.emplace_back(reinterpret_cast<const char*>(&book->Row(row)), sizeof(TradeRecord));
+            rows.push_back(book->Row(row));
+        BookState state = StateOf(rows);
         for (const auto& [id, draft] : drafts) {
-            std::string& texts = state.drafts[id];
-            texts = std::to_string(draft.trade);
+            state.drafts += std::to_string(id) + ":" + std::to_string(draft.trade);
             for (std::size_t i = 0; i < kDraftCells; ++i)
-                if (draft.set.test(i)) texts += "|" + std::to_string(i) + "=" + draft.cells[i];
+                if (draft.set.test(i)) state.drafts += "|" + std::to_string(i) + "=" + draft.cells[i];
         }
         return state;
     }
