@@ -35,15 +35,18 @@ class ListeningHost final : public IHost {
 
 // The grid's part: the row comes in on top.
 struct Rows final : IRowDisplay {
-    explicit Rows(const TradeBook& book) : rows(book, *this) {}
+    explicit Rows(const TradeBook& trades) : book(trades), rows(trades, *this) {}
     void Inserted(std::uint32_t, std::uint32_t) override { ++shown; }
     void Removed(std::uint32_t, std::uint32_t) override {}
     void Swapped(std::uint32_t, std::uint32_t) override {}
     void Reordered(std::uint32_t, const std::function<std::uint32_t(std::uint32_t)>&) override {}
     void Reset() override {}
     void Changed(std::uint32_t) override { ++shown; }
-    bool Hides(const ColumnFilter&, TradeItem) const override { return false; }
+    bool Hides(const ColumnFilter& filter, TradeItem item) const override {
+        return !filter.Passes(book.Record(item));
+    }
 
+    const TradeBook& book;
     TradeRows rows;
     std::uint64_t shown = 0;
 };

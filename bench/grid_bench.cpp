@@ -47,13 +47,18 @@ void Compare(const char* name, double atMost, const Work& before, const Work& ou
 
 // A grid of which nothing is selected.
 struct NoDisplay final : IRowDisplay {
+    explicit NoDisplay(const TradeBook& shown) : book(shown) {}
     void Inserted(std::uint32_t, std::uint32_t) override {}
     void Removed(std::uint32_t, std::uint32_t) override {}
     void Swapped(std::uint32_t, std::uint32_t) override {}
     void Reordered(std::uint32_t, const std::function<std::uint32_t(std::uint32_t)>&) override {}
     void Reset() override {}
     void Changed(std::uint32_t) override {}
-    bool Hides(const ColumnFilter&, TradeItem) const override { return false; }
+    bool Hides(const ColumnFilter& filter, TradeItem item) const override {
+        return !filter.Passes(book.Record(item));
+    }
+
+    const TradeBook& book;
 };
 
 struct Bench {
@@ -71,9 +76,9 @@ struct Bench {
     }
 
     SilentHost host;
-    NoDisplay display;
     TradeGenerator trades{1};
     TradeBook book{host};
+    NoDisplay display{book};
     TradeRows rows{book, display};
 };
 
