@@ -9,6 +9,8 @@ namespace Dravel {
 
 namespace {
 
+// Bytes that wait for nothing: the memory of the first is filled anew while it is still in the caches.
+constexpr std::uint64_t kHurry = 2 * 1048576;
 constexpr std::uint32_t kTryAgain = 500;  // milliseconds after a failure
 constexpr char kNotProtected[] = "Unsaved work is not protected";
 
@@ -16,10 +18,7 @@ constexpr char kNotProtected[] = "Unsaved work is not protected";
 
 BookJournal::BookJournal(IFiles& files, IClock& clock, ILog& log, const std::filesystem::path& folder,
                          const std::string& name)
-    : clock_(clock),
-      queued_(std::make_shared<ImageMemory>()),
-      file_(files, clock, log, folder, name),
-      unwritten_(std::make_shared<ImageMemory>()) {}
+    : clock_(clock), queued_(memory_), file_(files, clock, log, folder, name), unwritten_(memory_) {}
 
 FileStatus BookJournal::Open(const FileSum& book, const std::function<void(const JournalEntry&)>& deal,
                              JournalOpening& opening) {
@@ -67,8 +66,14 @@ void BookJournal::Queue(const Fill& fill) noexcept {
             fill(queued_, clock_.Now());
             told_ += queued_.Bytes() - before;
             if (queued_.Bytes() + unwrittenBytes_ > kMostWaiting) return Close();
-            if (std::exchange(waits_, true)) return;
-            due_ = clock_.Ticks() + kFlushAfter;
+            if (queued_.Bytes() >= kHurry && !hurried_) {
+                hurried_ = waits_ = true;
+                due_ = 0;
+            } else if (!std::exchange(waits_, true)) {
+                due_ = clock_.Ticks() + kFlushAfter;
+            } else {
+                return;
+            }
             wake = wake_;
         } catch (...) {
             return Close();
@@ -165,7 +170,7 @@ void BookJournal::Pull() {
     unwritten_.Take(queued_);
     unwrittenBytes_ = unwritten_.Bytes();
     pulled_ = told_;
-    waits_ = false;
+    waits_ = hurried_ = false;
 }
 
 void BookJournal::Flush() noexcept try {

@@ -75,12 +75,15 @@ class BookJournal final : public IChangeRecorder, public ISaveWatch, public KRV:
     void Stale() noexcept;
 
     IClock& clock_;
+    // Pieces go from one buffer to the other and come back empty: fresh pages cost more than to fill them.
+    std::shared_ptr<ImageMemory> memory_ = std::make_shared<ImageMemory>();
 
     KRV::Thread::CKRVLock queueLock_;  // guards the following
     JournalBuffer queued_;
     std::uint64_t told_ = 0;  // bytes ever queued
     std::uint64_t due_ = 0;   // of the clock's ticks, when `waits_`
     bool waits_ = false;
+    bool hurried_ = false;  // the writer was told that much waits
     bool taking_ = false;
     bool moved_ = false;   // rows, since the last mark
     bool closed_ = false;  // what comes is dropped until the next mark
