@@ -49,6 +49,7 @@ void CDravelBar::EndJournal() {
     if (grid_) grid_->SetJournal(nullptr);
     if (!journalOpen_) return;
     journal_.Stop();
+    ledger_.Look();
     const bool kept = !book_.Changed() && grid_->RowsBeingTyped() == 0 && !journal_.RowsMoved();
     if (opening_.Through() && (kept || discardedAt_ == journal_.Told())) journal_.Remove();
 }
