@@ -348,6 +348,66 @@ TEST(Journal, ATornOneGivesBackWhatIsWholeAndKeepsWhatStandsBehindABadPlace) {
     EXPECT_EQ(rig.disk.Content("Data/" + *rig.opening.damaged), bad);
 }
 
+TEST(Journal, ADamagedOneThatFindsNoRoomBesideIsTriedAgainAndLeavesNothing) {
+    std::vector<BookState> states;
+    JournalRig rig;
+    FileBytes bad = JournalOfFive(rig, states);
+    bad[bad.size() / 3] ^= 1;
+    rig.disk.Put(kJournal, bad);
+    rig.disk.plan.bytesLeft = 10;
+    for (int tries = 0; tries < 3; ++tries) {
+        EXPECT_FALSE(rig.Start());
+        EXPECT_TRUE(rig.KeptAside().empty());
+        EXPECT_EQ(rig.disk.Content(kJournal), bad);
+    }
+    rig.disk.ClearPlan();
+    EXPECT_TRUE(rig.Start());
+    EXPECT_EQ(rig.KeptAside().size(), 1u);
+}
+
+// Fails one operation before the swap and one behind it.
+struct FailingSave final : ISaveWatch {
+    FailingSave(JournalRig& owner, std::uint64_t first, std::uint64_t second)
+        : rig(owner), before(first), after(second) {}
+    void Fail(std::uint64_t operation) { rig.disk.plan.failAt = rig.disk.Operations() + operation; }
+    void BeforeSwap(const FileSum& book) noexcept override {
+        Fail(before);
+        rig.journal->BeforeSwap(book);
+        rig.disk.ClearPlan();
+    }
+    void AfterSwap(bool swapped) noexcept override {
+        Fail(after);
+        rig.journal->AfterSwap(swapped);
+        rig.disk.ClearPlan();
+    }
+    JournalRig& rig;
+    std::uint64_t before, after;
+};
+
+TEST(Journal, TwoFailuresRoundASwapLoseNothingBehindItsMark) {
+    for (std::uint64_t before = 1; before <= 6; ++before) {
+        for (std::uint64_t after = 1; after <= 24; ++after) {
+            SCOPED_TRACE(std::to_string(before) + ", " + std::to_string(after));
+            JournalRig rig;
+            ASSERT_TRUE(rig.Start());
+            TradeRecord old = RandomTrade(1), fresh = RandomTrade(2);
+            rig.book->Add(old);
+            BookImage image = ImageOf({rig.book->Row(0)});
+            rig.journal->Mark();
+            rig.book->Add(fresh);
+            rig.journal->Flush();  // mark and trade are in the file before anything fails
+            const BookState state = rig.State();
+            FailingSave watch(rig, before, after);
+            rig.file->SetWatch(&watch);
+            ASSERT_TRUE(rig.file->Save(image).ok);
+            rig.journal->Flush();
+            ASSERT_EQ(rig.journal->Warning(), "");
+            ASSERT_TRUE(rig.Start());
+            ASSERT_EQ(rig.State(), state);
+        }
+    }
+}
+
 TEST(Journal, OneOfAnotherBookIsKeptBesideAndItsNumberNeverGivenAgain) {
     std::vector<BookState> states;
     JournalRig rig;

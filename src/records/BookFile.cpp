@@ -3,6 +3,7 @@
 #include <mutex>
 #include <utility>
 
+#include "platform/FileTools.h"
 #include "records/DamageLog.h"
 #include "support/FaultText.h"
 
@@ -15,13 +16,7 @@ namespace fs = std::filesystem;
 constexpr int kSwapTries = 11;  // half a second in all
 constexpr std::uint32_t kSwapPause = 50;
 constexpr int kMostBackupsOfOneMinute = 99;
-constexpr std::size_t kCopyBlock = 1048576;
 constexpr char kContext[] = "BookFile";
-
-fs::path WithEnding(fs::path path, const char* ending) {
-    path += ending;
-    return path;
-}
 
 std::int64_t LocalDay(const IClock& clock, std::int64_t time) {
     const std::int64_t local = time + clock.ZoneOffset(time);
@@ -276,32 +271,10 @@ FileStatus BookFile::BackUpAs(const fs::path& to) {
     return status || status.fault == FileFault::Exists ? status : CopyTo(to);
 }
 
-// Under another name until it is whole.
 FileStatus BookFile::CopyTo(const fs::path& to) {
-    const fs::path partPath = WithEnding(to, ".new");
-    std::unique_ptr<IFile> from, part;
-    FileStatus status = files_.Open(livePath_, FileMode::Read, FileShare::DenyWrite, from);
-    if (!status) return status;
-    status = files_.Open(partPath, FileMode::Create, FileShare::DenyAll, part);
-    if (!status) return status;
-    status = CopyBytes(*from, *part);
-    const FileStatus closed = part->Close();
-    part.reset();
-    if (status) status = closed;
-    if (status) status = files_.Rename(partPath, to);
-    if (!status) files_.Remove(partPath);
-    return status;
-}
-
-FileStatus BookFile::CopyBytes(IFile& from, IFile& to) {
-    const auto block = std::make_unique_for_overwrite<std::uint8_t[]>(kCopyBlock);
-    for (;;) {
-        std::size_t got = 0;
-        if (const FileStatus status = from.Read(block.get(), kCopyBlock, got); !status) return status;
-        if (got == 0) return to.Flush();
-        if (const FileStatus status = to.Write(block.get(), got); !status) return status;
-        watch_->Between();
-    }
+    std::unique_ptr<IFile> from;
+    const FileStatus status = files_.Open(livePath_, FileMode::Read, FileShare::DenyWrite, from);
+    return status ? CopyWhole(files_, *from, to, [this] { watch_->Between(); }) : status;
 }
 
 FileStatus BookFile::Swap() {

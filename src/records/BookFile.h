@@ -98,7 +98,6 @@ class BookFile final : public KRV::VELT::CKRVTradeImpl {
     FileStatus MakeBackup();
     FileStatus BackUpAs(const std::filesystem::path& to);
     FileStatus CopyTo(const std::filesystem::path& to);
-    FileStatus CopyBytes(IFile& from, IFile& to);
     FileStatus Swap();
 
     std::filesystem::path lockPath_, newPath_;

@@ -5,6 +5,7 @@
 #include <string>
 
 #include "message/FieldBytes.h"
+#include "platform/FileTools.h"
 #include "support/FaultText.h"
 
 namespace Dravel {
@@ -21,10 +22,6 @@ constexpr const char* kEndings[] = {".sums", ".sums.new", ".sums.new2"};
 
 static_assert(std::endian::native == std::endian::little, "the file is little-endian");
 constexpr std::size_t kWord = sizeof(std::uint64_t);
-
-bool Missing(const FileStatus& status) {
-    return status.fault == FileFault::NotFound || status.fault == FileFault::PathNotFound;
-}
 
 constexpr std::size_t WordsOf(std::uint64_t frames) {
     return kHeadWords + static_cast<std::size_t>(frames) + 1;

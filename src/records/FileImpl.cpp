@@ -9,6 +9,7 @@
 
 #include "message/FieldBytes.h"
 #include "message/Tags.h"
+#include "platform/FileTools.h"
 
 namespace KRV::Base {
 
@@ -146,7 +147,7 @@ bool CKRVFileImpl::Open(bool create, FileMode existing, FileMode fresh, FileShar
     stream_.reset();
     FileInfo info;
     const FileStatus found = files_.Info(livePath_, info);
-    const bool missing = found.fault == FileFault::NotFound || found.fault == FileFault::PathNotFound;
+    const bool missing = Missing(found);
     openStatus_ = found;
     if (missing && !create) return false;
     // A file that is there but cannot be asked about must never be opened anew, which would empty it.

@@ -1,11 +1,10 @@
 #include "records/JournalFile.h"
 
 #include <algorithm>
-#include <charconv>
 #include <random>
 #include <utility>
 
-#include "records/JournalHistory.h"
+#include "platform/FileTools.h"
 #include "support/FaultText.h"
 
 namespace Dravel {
@@ -15,18 +14,8 @@ namespace {
 namespace fs = std::filesystem;
 
 constexpr char kContext[] = "Journal";
-constexpr std::size_t kBlock = 1048576;
 constexpr int kReplaceTries = 11;  // half a second in all
 constexpr std::uint32_t kReplacePause = 50;
-
-fs::path WithEnding(fs::path path, const std::string& ending) {
-    path += ending;
-    return path;
-}
-
-bool Missing(const FileStatus& status) {
-    return status.fault == FileFault::NotFound || status.fault == FileFault::PathNotFound;
-}
 
 std::uint64_t RandomID() {
     std::random_device device;
@@ -54,108 +43,6 @@ JournalFile::JournalFile(IFiles& files, IClock& clock, ILog& log, const fs::path
       path_(folder / (name + ".journal")),
       newPath_(WithEnding(path_, ".new")),
       history_(files, clock, folder / "History") {}
-
-// Opening
-
-FileStatus JournalFile::Open(const FileSum& book, const std::function<void(const JournalEntry&)>& deal,
-                             JournalOpening& opening) {
-    opening = {};
-    book_ = book;
-    file_.reset();
-    exists_ = false;
-    std::unique_ptr<IFile> file, beside;
-    JournalScan scan, besideScan;
-    if (const FileStatus status = Look(path_, book, file, scan); !status) return status;
-    keptAside_ = std::max(keptAside_, scan.head.keptAside);
-    if (!scan.from) {
-        if (const FileStatus status = Look(newPath_, book, beside, besideScan); !status) return status;
-    }
-    beside.reset();
-    if (besideScan.from) {
-        if (const FileStatus status = TakeBeside(std::move(file), scan); !status) return status;
-        if (const FileStatus status = Look(path_, book, file, scan); !status) return status;
-    }
-    files_.Remove(newPath_);
-    return scan.from ? TakeOver(std::move(file), scan, deal, opening) : Clear(std::move(file), scan, opening);
-}
-
-// A file that may only be read is read all the same; without one `file` stays empty.
-FileStatus JournalFile::Look(const fs::path& path, const FileSum& book, std::unique_ptr<IFile>& file,
-                             JournalScan& scan) {
-    FileStatus status = files_.Open(path, FileMode::ReadWrite, FileShare::DenyWrite, file);
-    if (Missing(status)) return {};
-    if (!status && status.fault != FileFault::InUse)
-        status = files_.Open(path, FileMode::Read, FileShare::DenyWrite, file);
-    return status ? ScanJournal(*file, book, scan) : status;
-}
-
-// The changes of the old one are in the book, which says so by the journal that lies beside.
-FileStatus JournalFile::TakeBeside(std::unique_ptr<IFile> old, const JournalScan& scan) {
-    if (old && scan.headed) history_.Append(*old, scan.end, scan.head.id, true, {});
-    old.reset();
-    return files_.Replace(newPath_, path_);
-}
-
-FileStatus JournalFile::TakeOver(std::unique_ptr<IFile> file, const JournalScan& scan,
-                                 const std::function<void(const JournalEntry&)>& deal,
-                                 JournalOpening& opening) {
-    if (scan.soundBehind) {
-        if (const FileStatus status = CopyAside(*file, opening.damaged); !status) return status;
-    }
-    if (const FileStatus status = ReadJournal(*file, *scan.from, scan.end, deal); !status) return status;
-    opening.taken = true;
-    file_ = std::move(file);
-    exists_ = fromBefore_ = true;
-    cutWanted_ = scan.end < scan.size;
-    id_ = scan.head.id;
-    length_ = scan.end;
-    nextNumber_ = scan.lastNumber + 1;
-    afterMark_ = scan.afterMark;
-    return {};
-}
-
-// The journal at hand, if any, follows another book.
-FileStatus JournalFile::Clear(std::unique_ptr<IFile> file, const JournalScan& scan, JournalOpening& opening) {
-    if (!file) return {};
-    file.reset();
-    if (scan.frames == 0 && !scan.soundBehind) return files_.Remove(path_);
-    const fs::path aside = NextAside();
-    const FileStatus status = files_.Rename(path_, aside);
-    if (status) opening.stranger = aside.filename().string();
-    return status;
-}
-
-// The largest number ever given is kept in the heads, and those that lie there are looked at as well.
-fs::path JournalFile::NextAside() {
-    std::vector<fs::path> names;
-    files_.List(folder_, names);
-    const std::string start = path_.filename().string() + ".";
-    for (const fs::path& path : names) {
-        const std::string name = path.filename().string();
-        std::uint32_t number = 0;
-        if (name.starts_with(start))
-            std::from_chars(name.data() + start.size(), name.data() + name.size(), number);
-        keptAside_ = std::max(keptAside_, number);
-    }
-    return WithEnding(path_, "." + std::to_string(++keptAside_));
-}
-
-FileStatus JournalFile::CopyAside(IFile& file, std::optional<std::string>& name) {
-    const fs::path aside = NextAside();
-    std::unique_ptr<IFile> copy;
-    FileStatus status = files_.Open(aside, FileMode::Create, FileShare::DenyAll, copy);
-    if (status) status = file.Seek(0);
-    const auto block = std::make_unique_for_overwrite<std::uint8_t[]>(kBlock);
-    for (std::size_t got = 1; status && got > 0;) {
-        status = file.Read(block.get(), kBlock, got);
-        if (status) status = copy->Write(block.get(), got);
-    }
-    if (status) status = copy->Flush();
-    if (status) name = aside.filename().string();
-    return status;
-}
-
-// Appending
 
 FileStatus JournalFile::EnsureOpen() {
     if (!file_ && !exists_) {
@@ -263,7 +150,8 @@ FileStatus JournalFile::LayBeside(JournalBuffer& unwritten, bool gap) {
 FileStatus JournalFile::ReadBehindMark(JournalBuffer& unwritten, JournalBuffer& behind) {
     bool markWaits = false;
     unwritten.ForEach([&](std::span<std::uint8_t> frame) { markWaits |= CodeOf(frame) == msg::JournalMark; });
-    if (markWaits || afterMark_ == 0 || !file_) return {};
+    if (markWaits || afterMark_ == 0 || !exists_) return {};
+    if (const FileStatus status = EnsureOpen(); !status) return status;
     JournalWalk walk(*file_, afterMark_);
     while (walk.Offset() < length_) {
         const auto frame = walk.Next();

@@ -21,7 +21,6 @@ namespace Dravel {
 
 // What an opening found.
 struct JournalOpening {
-    bool taken = false;  // a journal that follows the book is there; its changes were handed out
     // Names of journals that were kept beside: one that follows another book, one with a damaged place.
     std::optional<std::string> stranger, damaged;
 };

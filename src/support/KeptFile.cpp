@@ -2,22 +2,13 @@
 
 #include <memory>
 
+#include "platform/FileTools.h"
+
 namespace Dravel {
 
 namespace {
 
 constexpr int kMostCopies = 9999;
-constexpr std::size_t kCopyBlock = 65536;
-
-FileStatus CopyBytes(IFile& from, IFile& to) {
-    std::string block(kCopyBlock, '\0');
-    for (;;) {
-        std::size_t got = 0;
-        if (const FileStatus status = from.Read(block.data(), block.size(), got); !status) return status;
-        if (got == 0) return to.Flush();
-        if (const FileStatus status = to.Write(block.data(), got); !status) return status;
-    }
-}
 
 bool TooLong(const FileStatus& status) {
     return status.fault == FileFault::Other && status.code == 0;
@@ -31,7 +22,7 @@ KeptFile::State KeptFile::Try(const Taker& take) {
     fault_ = ReadTextFile(files_, path_, text, limit_);
     if (fault_) {
         state_ = take(text) ? State::Read : State::Damaged;
-    } else if (fault_.fault == FileFault::NotFound || fault_.fault == FileFault::PathNotFound) {
+    } else if (Missing(fault_)) {
         state_ = State::Missing;
     } else {
         state_ = TooLong(fault_) ? State::Damaged : State::Unreadable;
@@ -55,24 +46,12 @@ FileStatus KeptFile::KeepDamaged() {
     return status;
 }
 
-// Under another name until it is whole.
 FileStatus KeptFile::CopyTo(const std::filesystem::path& path) {
     FileInfo info;
     if (files_.Info(path, info)) return {FileFault::Exists, 0};
-    std::unique_ptr<IFile> from, to;
-    FileStatus status = files_.Open(path_, FileMode::Read, FileShare::DenyNone, from);
-    if (!status) return status;
-    std::filesystem::path part = path;
-    part += ".new";
-    status = files_.Open(part, FileMode::Create, FileShare::DenyAll, to);
-    if (!status) return status;
-    status = CopyBytes(*from, *to);
-    const FileStatus closed = to->Close();
-    if (status) status = closed;
-    to.reset();
-    if (status) status = files_.Rename(part, path);
-    if (!status) files_.Remove(part);
-    return status;
+    std::unique_ptr<IFile> from;
+    const FileStatus status = files_.Open(path_, FileMode::Read, FileShare::DenyNone, from);
+    return status ? CopyWhole(files_, *from, path) : status;
 }
 
 FileStatus KeptFile::Write(std::string_view text, bool patient) {

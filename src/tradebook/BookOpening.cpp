@@ -5,6 +5,7 @@
 #include <new>
 #include <utility>
 
+#include "platform/FileTools.h"
 #include "support/FaultText.h"
 
 namespace Dravel {
@@ -14,10 +15,6 @@ namespace {
 constexpr char kContext[] = "Opening", kFailed[] = "The book could not be opened",
                kCannotKeep[] = "Changes cannot be kept: the folder is read-only";
 constexpr std::size_t kReporting = 3;  // the first step that is not undone by loading again
-
-bool Missing(const FileStatus& status) {
-    return status.fault == FileFault::NotFound || status.fault == FileFault::PathNotFound;
-}
 
 }  // namespace
 

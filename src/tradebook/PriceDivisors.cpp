@@ -6,6 +6,7 @@
 
 #include "formatset/CsvLine.h"
 #include "formatset/NumberText.h"
+#include "platform/FileTools.h"
 #include "records/RecordText.h"
 
 namespace Dravel {
@@ -14,7 +15,7 @@ FileStatus PriceDivisors::Load(IFiles& files, const std::filesystem::path& path)
     divisors_.clear();
     std::unique_ptr<IFile> file;
     const FileStatus status = files.Open(path, FileMode::Read, FileShare::DenyNone, file);
-    if (status.fault == FileFault::NotFound || status.fault == FileFault::PathNotFound) return {};
+    if (Missing(status)) return {};
     if (!status) return status;
     CsvLines lines(*file);
     std::string_view line;
