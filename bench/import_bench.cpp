@@ -28,13 +28,6 @@ namespace {
 
 namespace fs = std::filesystem;
 
-struct SilentUser final : IUser {
-    std::uint32_t Box(std::string_view, std::string_view, Buttons, Icon, std::uint8_t) override {
-        return kAnswerOk;
-    }
-    void Notice(std::string_view) override {}
-};
-
 double Seconds(std::chrono::steady_clock::time_point since) {
     return std::chrono::duration<double>(std::chrono::steady_clock::now() - since).count();
 }

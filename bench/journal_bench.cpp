@@ -24,12 +24,6 @@ namespace fs = std::filesystem;
 
 constexpr std::uint64_t kLines = 100000;
 
-struct SilentUser final : IUser {
-    std::uint32_t Box(std::string_view, std::string_view, Buttons, Icon, std::uint8_t) override {
-        return kAnswerOk;
-    }
-    void Notice(std::string_view) override {}
-};
 struct SilentLog final : ILog {
     void Line(LogLevel, std::string_view, std::string_view) override {}
 };
